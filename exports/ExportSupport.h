@@ -1,0 +1,68 @@
+// What every family's flat functions share: handle casts, the guard that keeps
+// exceptions inside, and the hand-over of text in both directions.
+#pragma once
+
+#include <new>
+#include <type_traits>
+
+#include "KestrixCE.h"
+#include "frame/BaseObject.h"
+#include "frame/ErrorNumbers.h"
+#include "frame/Ref.h"
+#include "frame/String.h"
+
+namespace kx::exports {
+
+// A handle is the object itself.
+template <class T, class Handle>
+T* ObjectOf(Handle handle) {
+  return reinterpret_cast<T*>(handle);
+}
+
+template <class Handle, class T>
+Handle HandleOf(T* object) {
+  return reinterpret_cast<Handle>(object);
+}
+
+template <class T>
+KxError ErrorHandleOf(T* object) {
+  return object ? reinterpret_cast<KxError>(&object->Error()) : nullptr;
+}
+
+// Family_New: a new object with count 1, or null when memory can't be had.
+template <class T>
+T* NewObject() noexcept {
+  try {
+    return new T();
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+// Family_Delete: a null handle does nothing.
+template <class T>
+void DeleteObject(T* object) noexcept {
+  ReleaseObject(object);
+}
+
+// Runs one class call. A stray exception becomes error 10005 on the object, and the
+// call returns the empty value of its type.
+template <class Fn>
+auto Guarded(BaseObject* object, Fn&& call) noexcept -> decltype(call()) {
+  using Result = decltype(call());
+  try {
+    return call();
+  } catch (...) {
+    if (object) object->Error().SetError(kErrInternal, text::kUnexpected);
+    if constexpr (!std::is_void_v<Result>) return Result{};
+  }
+}
+
+// A text result: the caller receives the wide form and owns it; the String is given
+// up. A null `text` (a failed call) hands out no text.
+void HandOut(String* text, BSTR* out);
+
+// A text argument: a temporary String for the length of the call.
+inline Ref<String> TextIn(const WCHAR* text) { return Ref<String>(new String(text)); }
+
+}  // namespace kx::exports

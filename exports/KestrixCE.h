@@ -1,0 +1,177 @@
+/*
+ * KestrixCE: GPS input, coordinates, shapes and raster maps behind flat C functions.
+ *
+ * Every object is reached through an opaque handle and is reference counted: a handle
+ * that a function returns holds one reference for the caller, given up with that
+ * family's Family_Delete. Failures never cross as return codes: each object keeps the
+ * record of its last failure, read through its error handle with Error_ErrNum and
+ * Error_ErrDesc. Doubles travel by pointer, text goes in as 16-bit wide text and comes
+ * out as a BSTR that the caller frees with SysFreeString (Error_ErrDesc excepted).
+ *
+ * Valid C11 and C++17.
+ */
+#ifndef KESTRIXCE_H
+#define KESTRIXCE_H
+
+#ifdef __cplusplus
+extern "C" {
+#else
+#include <uchar.h>
+#endif
+
+#if defined(KESTRIXCE_BUILD)
+#define KX_API __attribute__((visibility("default")))
+#else
+#define KX_API
+#endif
+
+/* ---- text ------------------------------------------------------------------------- */
+typedef char16_t WCHAR;
+typedef WCHAR* BSTR;
+/* A boolean is one byte: 0 is false, anything else true. */
+typedef unsigned char KxBool;
+
+KX_API BSTR SysAllocStringLen(const WCHAR* source, unsigned int length);
+KX_API void SysFreeString(BSTR text);
+KX_API unsigned int SysStringLen(BSTR text);
+
+/* ---- handles ---------------------------------------------------------------------- */
+typedef struct KxErrorRecord_* KxError;
+typedef struct KxPosition_* KxPosition;
+typedef struct KxCustomDatum_* KxCustomDatum;
+typedef struct KxCustomGrid_* KxCustomGrid;
+
+/* ---- errors ----------------------------------------------------------------------- */
+/* Classes of failure. A failing system call reports its own last-error value instead. */
+#define KX_ERR_INVALID_ARGUMENT 10003
+#define KX_ERR_INDEX_OUT_OF_RANGE 10004
+#define KX_ERR_INTERNAL 10005
+#define KX_ERR_INVALID_STATE 10006
+#define KX_ERR_SERIAL_PORT 10007
+#define KX_ERR_FILE_IO 10010
+#define KX_ERR_OUT_OF_MEMORY 10012
+#define KX_ERR_FILE_FORMAT 10013
+#define KX_ERR_FILE_VERSION 10014
+#define KX_ERR_MAPLIB_STATE 10015
+#define KX_ERR_STARTUP 10018
+#define KX_ERR_FILE_DELETE 10019
+#define KX_ERR_NOT_FOUND 10022
+#define KX_ERR_ALREADY_CONNECTED 10024
+#define KX_ERR_CONNECTION_BROKEN 10026
+#define KX_ERR_CONNECTION_MISSING 10027
+#define KX_ERR_COMPANION_MISSING 10029
+#define KX_ERR_SHAPE_MAP_CONFLICT 10035
+#define KX_ERR_NOT_SUPPORTED 10037
+
+/* The number of the last failure, cut to 16 bits; 0 after a call that succeeded. */
+KX_API short Error_ErrNum(KxError error);
+/* The text of the last failure, stored in *text and returned. The BSTR stays the
+ * library's and lives until the next Error_ErrDesc call on any handle: do not free it.
+ * Call from one thread at a time. */
+KX_API BSTR Error_ErrDesc(KxError error, BSTR* text);
+
+/* ---- Position: a point in a datum, optionally in a grid ---------------------------- */
+KX_API KxPosition Position_New(void);
+KX_API void Position_Delete(KxPosition position);
+KX_API KxError Position_GetErrHandle(KxPosition position);
+KX_API KxPosition Position_Copy(KxPosition position);
+
+KX_API void Position_GetLatitudeRads(KxPosition position, double* value);
+KX_API void Position_SetLatitudeRads(KxPosition position, const double* value);
+KX_API void Position_GetLongitudeRads(KxPosition position, double* value);
+KX_API void Position_SetLongitudeRads(KxPosition position, const double* value);
+KX_API void Position_GetLatitudeDecDeg(KxPosition position, double* value);
+KX_API void Position_SetLatitudeDecDeg(KxPosition position, const double* value);
+KX_API void Position_GetLongitudeDecDeg(KxPosition position, double* value);
+KX_API void Position_SetLongitudeDecDeg(KxPosition position, const double* value);
+KX_API void Position_GetLatitudeDMS(KxPosition position, short* degrees, short* minutes,
+                                    double* seconds, BSTR* hemisphere);
+KX_API void Position_SetLatitudeDMS(KxPosition position, const double* degrees,
+                                    const double* minutes, const double* seconds,
+                                    const WCHAR* hemisphere);
+KX_API void Position_GetLongitudeDMS(KxPosition position, short* degrees, short* minutes,
+                                     double* seconds, BSTR* hemisphere);
+KX_API void Position_SetLongitudeDMS(KxPosition position, const double* degrees,
+                                     const double* minutes, const double* seconds,
+                                     const WCHAR* hemisphere);
+/* format 0: "59 18'7.25 N"; format 1: NMEA form "5918.12083" / "01801.00000" */
+KX_API void Position_GetLatitudeString(KxPosition position, BSTR* text, short format);
+KX_API void Position_GetLongitudeString(KxPosition position, BSTR* text, short format);
+/* kind 0: above mean sea level; kind 1: above the ellipsoid of the datum */
+KX_API void Position_GetAltitude(KxPosition position, short kind, double* value);
+KX_API void Position_SetAltitude(KxPosition position, const double* value, short kind);
+
+KX_API void Position_GetEasting(KxPosition position, double* value);
+KX_API void Position_SetEasting(KxPosition position, const double* value);
+KX_API void Position_GetNorthing(KxPosition position, double* value);
+KX_API void Position_SetNorthing(KxPosition position, const double* value);
+KX_API void Position_GetZone(KxPosition position, BSTR* text);
+KX_API void Position_SetZone(KxPosition position, short zone);
+
+KX_API short Position_GetDatum(KxPosition position);
+KX_API void Position_SetDatum(KxPosition position, short datum);
+KX_API short Position_GetGrid(KxPosition position);
+KX_API void Position_SetGrid(KxPosition position, short grid);
+KX_API void Position_SetCustomDatum(KxPosition position, KxCustomDatum datum);
+KX_API void Position_SetCustomGrid(KxPosition position, KxCustomGrid grid);
+KX_API void Position_MakeSameDatum(KxPosition position, KxPosition other);
+KX_API void Position_MakeSameGrid(KxPosition position, KxPosition other);
+KX_API KxBool Position_IsSameDatum(KxPosition position, KxPosition other);
+KX_API KxBool Position_IsSameGrid(KxPosition position, KxPosition other);
+
+/* ---- CustomDatum: an ellipsoid and the seven parameters that lead to WGS 84 -------- */
+KX_API KxCustomDatum CustomDatum_New(void);
+KX_API void CustomDatum_Delete(KxCustomDatum datum);
+KX_API KxError CustomDatum_GetErrHandle(KxCustomDatum datum);
+KX_API void CustomDatum_GetSemiMajorAxis(KxCustomDatum datum, double* metres);
+KX_API void CustomDatum_SetSemiMajorAxis(KxCustomDatum datum, const double* metres);
+KX_API void CustomDatum_GetE2(KxCustomDatum datum, double* value);
+KX_API void CustomDatum_SetE2(KxCustomDatum datum, const double* value);
+KX_API void CustomDatum_GetDeltaX(KxCustomDatum datum, double* metres);
+KX_API void CustomDatum_SetDeltaX(KxCustomDatum datum, const double* metres);
+KX_API void CustomDatum_GetDeltaY(KxCustomDatum datum, double* metres);
+KX_API void CustomDatum_SetDeltaY(KxCustomDatum datum, const double* metres);
+KX_API void CustomDatum_GetDeltaZ(KxCustomDatum datum, double* metres);
+KX_API void CustomDatum_SetDeltaZ(KxCustomDatum datum, const double* metres);
+/* rotations in seconds of arc */
+KX_API void CustomDatum_GetRotX(KxCustomDatum datum, double* seconds);
+KX_API void CustomDatum_SetRotX(KxCustomDatum datum, const double* seconds);
+KX_API void CustomDatum_GetRotY(KxCustomDatum datum, double* seconds);
+KX_API void CustomDatum_SetRotY(KxCustomDatum datum, const double* seconds);
+KX_API void CustomDatum_GetRotZ(KxCustomDatum datum, double* seconds);
+KX_API void CustomDatum_SetRotZ(KxCustomDatum datum, const double* seconds);
+/* the difference of the scale factor from 1 */
+KX_API void CustomDatum_GetScaleFactor(KxCustomDatum datum, double* value);
+KX_API void CustomDatum_SetScaleFactor(KxCustomDatum datum, const double* value);
+
+/* ---- CustomGrid: a projection with its parameters, on a datum ----------------------- */
+KX_API KxCustomGrid CustomGrid_New(void);
+KX_API void CustomGrid_Delete(KxCustomGrid grid);
+KX_API KxError CustomGrid_GetErrHandle(KxCustomGrid grid);
+KX_API void CustomGrid_GetFalseEasting(KxCustomGrid grid, double* metres);
+KX_API void CustomGrid_SetFalseEasting(KxCustomGrid grid, const double* metres);
+KX_API void CustomGrid_GetFalseNorthing(KxCustomGrid grid, double* metres);
+KX_API void CustomGrid_SetFalseNorthing(KxCustomGrid grid, const double* metres);
+KX_API void CustomGrid_GetScaleFactor(KxCustomGrid grid, double* value);
+KX_API void CustomGrid_SetScaleFactor(KxCustomGrid grid, const double* value);
+/* angles in degrees */
+KX_API void CustomGrid_GetLongitudeOfOrigin(KxCustomGrid grid, double* degrees);
+KX_API void CustomGrid_SetLongitudeOfOrigin(KxCustomGrid grid, const double* degrees);
+KX_API void CustomGrid_GetLatitudeOfOrigin(KxCustomGrid grid, double* degrees);
+KX_API void CustomGrid_SetLatitudeOfOrigin(KxCustomGrid grid, const double* degrees);
+KX_API void CustomGrid_GetLatitudeSP1(KxCustomGrid grid, double* degrees);
+KX_API void CustomGrid_SetLatitudeSP1(KxCustomGrid grid, const double* degrees);
+KX_API void CustomGrid_GetLatitudeSP2(KxCustomGrid grid, double* degrees);
+KX_API void CustomGrid_SetLatitudeSP2(KxCustomGrid grid, const double* degrees);
+KX_API int CustomGrid_GetAlgorithm(KxCustomGrid grid);
+KX_API void CustomGrid_SetAlgorithm(KxCustomGrid grid, int algorithm);
+KX_API short CustomGrid_GetDatum(KxCustomGrid grid);
+KX_API void CustomGrid_SetDatum(KxCustomGrid grid, short datum);
+KX_API KxCustomDatum CustomGrid_GetCustomDatum(KxCustomGrid grid);
+KX_API void CustomGrid_SetCustomDatum(KxCustomGrid grid, KxCustomDatum datum);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KESTRIXCE_H */

@@ -1,0 +1,41 @@
+// Critical sections as recursive pthread mutexes; interlocked counts as atomics.
+#include "platform/win32ce.h"
+
+#include <pthread.h>
+
+#include <cstdlib>
+
+void InitializeCriticalSection(CRITICAL_SECTION* cs) {
+  auto* mutex = static_cast<pthread_mutex_t*>(std::malloc(sizeof(pthread_mutex_t)));
+  if (!mutex) std::abort();  // as on the device, this call has no way to fail
+  pthread_mutexattr_t attributes;
+  pthread_mutexattr_init(&attributes);
+  pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+  pthread_mutex_init(mutex, &attributes);
+  pthread_mutexattr_destroy(&attributes);
+  cs->impl = mutex;
+}
+
+void DeleteCriticalSection(CRITICAL_SECTION* cs) {
+  auto* mutex = static_cast<pthread_mutex_t*>(cs->impl);
+  if (!mutex) return;
+  pthread_mutex_destroy(mutex);
+  std::free(mutex);
+  cs->impl = nullptr;
+}
+
+void EnterCriticalSection(CRITICAL_SECTION* cs) {
+  pthread_mutex_lock(static_cast<pthread_mutex_t*>(cs->impl));
+}
+
+void LeaveCriticalSection(CRITICAL_SECTION* cs) {
+  pthread_mutex_unlock(static_cast<pthread_mutex_t*>(cs->impl));
+}
+
+LONG InterlockedIncrement(volatile LONG* value) {
+  return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST);
+}
+
+LONG InterlockedDecrement(volatile LONG* value) {
+  return __atomic_sub_fetch(value, 1, __ATOMIC_SEQ_CST);
+}

@@ -1,0 +1,118 @@
+// The operating-system calls the library makes, under their Windows CE names.
+//
+// Exactly the subset in use is declared here: on the device this file gives way to
+// <windows.h>; on POSIX the functions are implemented in platform/posix/.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// ---- basic types -------------------------------------------------------------------
+typedef int BOOL;
+typedef unsigned char BYTE;
+typedef uint16_t WORD;
+typedef uint32_t DWORD;
+typedef int32_t LONG;
+typedef uint32_t UINT;
+typedef void* HANDLE;
+typedef void* LPVOID;
+typedef char16_t WCHAR;
+typedef const WCHAR* LPCWSTR;
+typedef WCHAR* BSTR;
+typedef uint64_t ULONGLONG;
+
+#ifndef TRUE
+#define TRUE 1
+#endif
+#ifndef FALSE
+#define FALSE 0
+#endif
+
+// Functions an application needs directly are visible outside the shared library.
+#define WINAPI_EXPORT __attribute__((visibility("default")))
+
+// ---- last error (thread local) ---------------------------------------------------------
+DWORD GetLastError();
+void SetLastError(DWORD error);
+
+constexpr DWORD ERROR_SUCCESS = 0;
+constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
+constexpr DWORD ERROR_ACCESS_DENIED = 5;
+constexpr DWORD ERROR_INVALID_HANDLE = 6;
+constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+constexpr DWORD ERROR_TIMEOUT = 1460;
+
+// ---- critical sections and interlocked counts ----------------------------------------
+// Recursive, like the real thing. The implementation lives behind one pointer.
+struct CRITICAL_SECTION {
+  void* impl;
+};
+void InitializeCriticalSection(CRITICAL_SECTION* cs);
+void DeleteCriticalSection(CRITICAL_SECTION* cs);
+void EnterCriticalSection(CRITICAL_SECTION* cs);
+void LeaveCriticalSection(CRITICAL_SECTION* cs);
+
+LONG InterlockedIncrement(volatile LONG* value);
+LONG InterlockedDecrement(volatile LONG* value);
+
+// ---- events, waits, threads -----------------------------------------------------------
+constexpr DWORD INFINITE = 0xFFFFFFFFu;
+constexpr DWORD WAIT_OBJECT_0 = 0;
+constexpr DWORD WAIT_TIMEOUT = 258;
+constexpr DWORD WAIT_FAILED = 0xFFFFFFFFu;
+constexpr DWORD MAXIMUM_WAIT_OBJECTS = 64;
+constexpr DWORD EVENT_PULSE = 1;
+constexpr DWORD EVENT_RESET = 2;
+constexpr DWORD EVENT_SET = 3;
+
+// Security attributes are never used by the library; the pointer is always null.
+struct SECURITY_ATTRIBUTES;
+
+HANDLE CreateEventW(SECURITY_ATTRIBUTES* attributes, BOOL manualReset, BOOL initialState,
+                    LPCWSTR name);
+BOOL EventModify(HANDLE event, DWORD func);
+inline BOOL SetEvent(HANDLE event) { return EventModify(event, EVENT_SET); }
+inline BOOL ResetEvent(HANDLE event) { return EventModify(event, EVENT_RESET); }
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+// Wait-any only (waitAll must be FALSE): returns WAIT_OBJECT_0 + index of the earliest
+// signalled handle in the array, WAIT_TIMEOUT, or WAIT_FAILED.
+DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll,
+                             DWORD milliseconds);
+BOOL CloseHandle(HANDLE handle);
+
+typedef DWORD (*LPTHREAD_START_ROUTINE)(LPVOID parameter);
+HANDLE CreateThread(SECURITY_ATTRIBUTES* attributes, size_t stackSize,
+                    LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD creationFlags,
+                    DWORD* threadId);
+void Sleep(DWORD milliseconds);
+
+// ---- time -----------------------------------------------------------------------------
+struct SYSTEMTIME {
+  WORD wYear;
+  WORD wMonth;
+  WORD wDayOfWeek;
+  WORD wDay;
+  WORD wHour;
+  WORD wMinute;
+  WORD wSecond;
+  WORD wMilliseconds;
+};
+// 100-nanosecond intervals since 1 January 1601 UTC.
+struct FILETIME {
+  DWORD dwLowDateTime;
+  DWORD dwHighDateTime;
+};
+// Milliseconds since an arbitrary start, wrapping at 2^32.
+DWORD GetTickCount();
+void GetSystemTime(SYSTEMTIME* time);
+BOOL SystemTimeToFileTime(const SYSTEMTIME* time, FILETIME* fileTime);
+
+// ---- BSTR -----------------------------------------------------------------------------
+// Length-prefixed wide text: a 32-bit byte count stands in front of the characters, and
+// a wide NUL follows them. A null source allocates uninitialised characters.
+extern "C" {
+WINAPI_EXPORT BSTR SysAllocStringLen(const WCHAR* source, UINT length);
+WINAPI_EXPORT void SysFreeString(BSTR text);
+WINAPI_EXPORT UINT SysStringLen(BSTR text);
+}
