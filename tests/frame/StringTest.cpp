@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <string>
 
 #include "frame/Ref.h"
@@ -69,14 +68,6 @@ TEST(String, NumberForms) {
   EXPECT_EQ(TextOf(String(-0.000001, 2)), "-0.00");
   // The double buffer is 128 bytes: longer forms are cut, never overrun.
   EXPECT_EQ(String(1e300, 10).GetLength(), 127);
-}
-
-TEST(String, NumberFormsIgnoreTheApplicationsLocale) {
-  if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8") && !std::setlocale(LC_NUMERIC, "fr_FR.UTF-8"))
-    GTEST_SKIP() << "no locale with a decimal comma on this machine";
-  EXPECT_EQ(TextOf(String(1.5, 1)), "1.5");
-  EXPECT_DOUBLE_EQ(String("1.25").ToDouble(), 1.25);
-  std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST(String, ParsingFollowsAtofAndAtoi) {
