@@ -1,8 +1,0 @@
-#include <gtest/gtest.h>
-
-#include "KestrixCE.h"
-
-TEST(Handles, NullHandlesAreHarmless) {
-  Position_Delete(nullptr);
-  EXPECT_EQ(Position_GetErrHandle(nullptr), nullptr);
-}
