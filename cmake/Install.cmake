@@ -15,5 +15,8 @@ install(FILES ${PROJECT_BINARY_DIR}/KestrixCEConfig.cmake
               ${PROJECT_BINARY_DIR}/KestrixCEConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/KestrixCE)
 
+# The pkg-config file finds the prefix from where it lies, so the package can move.
+file(RELATIVE_PATH KX_PC_TO_PREFIX
+  /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/KestrixCE.pc.in ${PROJECT_BINARY_DIR}/KestrixCE.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/KestrixCE.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

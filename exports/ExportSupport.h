@@ -58,6 +58,26 @@ auto Guarded(BaseObject* object, Fn&& call) noexcept -> decltype(call()) {
   }
 }
 
+// A value result through an out pointer; a null pointer receives nothing.
+template <class T, class R>
+void GetValue(T* object, R* out, R (T::*getter)()) {
+  Guarded(object, [&] {
+    const R value = (object->*getter)();
+    if (out) *out = value;
+  });
+}
+
+// A value argument by pointer; a null pointer is refused as an invalid parameter.
+template <class T, class A>
+void SetValue(T* object, const A* value, void (T::*setter)(A)) {
+  Guarded(object, [&] {
+    if (value)
+      (object->*setter)(*value);
+    else
+      object->Error().SetError(kErrInvalidArgument, text::kInvalidParameter);
+  });
+}
+
 // A text result: the caller receives the wide form and owns it; the String is given
 // up. A null `text` (a failed call) hands out no text.
 void HandOut(String* text, BSTR* out);

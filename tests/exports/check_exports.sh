@@ -4,7 +4,7 @@
 set -euo pipefail
 library=$1 header=$2
 exported=$(nm -D --defined-only "$library" | awk '$2 == "T" { print $3 }' | sort -u)
-declared=$(grep -oE 'KX_API[^(]*[ *]([A-Za-z_][A-Za-z0-9_]*)\(' "$header" \
+declared=$(grep -v '^#' "$header" | grep -oE 'KX_API[^(]*[ *]([A-Za-z_][A-Za-z0-9_]*)\(' \
            | sed -E 's/.*[ *]([A-Za-z_][A-Za-z0-9_]*)\($/\1/' | sort -u)
 extra=$(comm -23 <(echo "$exported") <(echo "$declared"))
 missing=$(comm -13 <(echo "$exported") <(echo "$declared"))

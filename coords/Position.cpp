@@ -1,0 +1,567 @@
+#include "coords/Position.h"
+
+#include <cmath>
+#include <new>
+
+#include "coords/Constants.h"
+#include "frame/ErrorNumbers.h"
+#include "frame/LibraryLock.h"
+#include "frame/Ref.h"
+
+namespace kx {
+
+namespace {
+
+constexpr const char* kInvalidLatitude = "Invalid latitude. Must be between -PI/2 and PI/2";
+constexpr const char* kInvalidDegrees = "Invalid value of Degrees. Must be between 0 and 90!";
+constexpr const char* kUnknownDatum = "Unknown datum!";
+constexpr const char* kUnknownGrid = "Unknown grid!";
+constexpr const char* kUseCustomDatum = "Set Position.CustomDatum instead!";
+constexpr const char* kUseCustomGrid = "Set Position.CustomGrid instead!";
+constexpr const char* kNullCustomDatum = "CustomDatum may not be null.";
+constexpr const char* kNullCustomGrid = "CustomGrid may not be null.";
+constexpr const char* kInvalidZone = "Invalid Zone for this grid!";
+
+constexpr int16_t kAltitudeSeaLevel = 0;
+constexpr int16_t kAltitudeEllipsoid = 1;
+
+// Into -pi..+pi; both ends stand as they are.
+double NormalisedLongitude(double x) {
+  if (x >= -kPi && x <= kPi) return x;
+  x = x - std::trunc(x / (2 * kPi)) * 2 * kPi;
+  if (x > kPi) return x - 2 * kPi;
+  if (x < -kPi) return x + 2 * kPi;
+  return x;
+}
+
+// Whole degrees, whole minutes and seconds rounded to a thousandth, of |radians|.
+void ToSexagesimal(double radians, int16_t& degreesOut, int16_t& minutesOut, double& seconds) {
+  const double d = std::fabs(radians) * 180 / kPi;
+  double degrees = std::trunc(d);
+  double minutes = std::trunc((d - degrees) * 60);
+  seconds = d * 3600 - degrees * 3600 - minutes * 60;
+  seconds = std::trunc((seconds + 0.0005) * 1000) / 1000;
+  if (seconds >= 60) {
+    seconds -= 60;
+    minutes += 1;
+  }
+  if (minutes >= 60) {
+    minutes -= 60;
+    degrees += 1;
+  }
+  degreesOut = static_cast<int16_t>(degrees);
+  minutesOut = static_cast<int16_t>(minutes);
+}
+
+bool Starts(const String* text, char letter) { return text && text->GetChar(0) == letter; }
+
+double DmsToRadians(double degrees, double minutes, double seconds) {
+  return degrees / 180 * kPi + minutes / 180 / 60 * kPi + seconds / 180 / 3600 * kPi;
+}
+
+// "ddmm.mmmm" of a sentence into its parts, all digits of the seconds kept.
+double NmeaAngle(const String* text, int16_t& degreesOut, int16_t& minutesOut, double& secondsOut) {
+  const double x = text ? text->ToDouble() : 0;
+  const double w = std::trunc(x);
+  const double minutes = w - std::trunc(w / 100) * 100;
+  const double degrees = (w - minutes) / 100;
+  const double seconds = (x - w) * 60;
+  degreesOut = static_cast<int16_t>(degrees);
+  minutesOut = static_cast<int16_t>(minutes);
+  secondsOut = seconds;
+  return (degrees + minutes / 60 + seconds / 3600) / 180 * kPi;
+}
+
+}  // namespace
+
+Position::Position() : m_engine(new DatumGridEngine()) {}
+
+Position::Position(const String* latitude, const String* longitude,
+                   const String* latitudeHemisphere, const String* longitudeHemisphere,
+                   const String* altitude, const String* separation, int16_t datum)
+    : m_engine(new DatumGridEngine()) {
+  m_pristine = 0;
+  m_engine->datum = datum;
+  const double lon =
+      NmeaAngle(longitude, m_longitude.degrees, m_longitude.minutes, m_longitude.seconds);
+  m_engine->longitude = Starts(longitudeHemisphere, 'W') ? -lon : lon;
+  const double lat =
+      NmeaAngle(latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
+  m_engine->latitude = Starts(latitudeHemisphere, 'S') ? -lat : lat;
+  m_altitudeSeaLevel = altitude ? altitude->ToDouble() : 0;
+  m_engine->altitudeEllipsoid = separation ? m_altitudeSeaLevel + separation->ToDouble() : 0;
+}
+
+Position::~Position() { ReleaseObject(m_engine); }
+
+// ---- bringing the stale side up to date ------------------------------------------
+
+bool Position::RefreshGeographic() {
+  if (!m_geographicStale) return true;
+  m_engine->ProjectInverse();
+  if (CopyError(m_engine) != 0) return false;
+  RefreshSexagesimal();
+  m_geographicStale = 0;
+  return true;
+}
+
+bool Position::RefreshGrid() {
+  if (!m_gridStale) return true;
+  m_engine->ProjectForward();
+  if (CopyError(m_engine) != 0) return false;
+  m_gridStale = 0;
+  return true;
+}
+
+void Position::RefreshSexagesimal() {
+  m_engine->longitude = NormalisedLongitude(m_engine->longitude);
+  ToSexagesimal(m_engine->latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
+  ToSexagesimal(m_engine->longitude, m_longitude.degrees, m_longitude.minutes, m_longitude.seconds);
+}
+
+void Position::StoreLatitude(double radians) {
+  m_engine->latitude = radians;
+  ToSexagesimal(radians, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
+  m_gridStale = 1;
+  m_geographicStale = 0;
+  Changed();
+}
+
+void Position::StoreLongitude(double radians) {
+  m_engine->longitude = NormalisedLongitude(radians);
+  ToSexagesimal(m_engine->longitude, m_longitude.degrees, m_longitude.minutes, m_longitude.seconds);
+  m_gridStale = 1;
+  m_geographicStale = 0;
+  Changed();
+}
+
+// ---- latitude and longitude -------------------------------------------------------
+
+double Position::GetLatitudeRads() {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGeographic();
+  return m_engine->latitude;
+}
+
+void Position::SetLatitudeRads(double radians) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  if (!(radians >= -kHalfPi && radians <= kHalfPi)) {
+    SetError(kErrInvalidArgument, kInvalidLatitude);
+    return;
+  }
+  StoreLatitude(radians);
+}
+
+double Position::GetLongitudeRads() {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGeographic();
+  return m_engine->longitude;
+}
+
+void Position::SetLongitudeRads(double radians) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  StoreLongitude(radians);
+}
+
+double Position::GetLatitudeDecDeg() { return GetLatitudeRads() * 180 / kPi; }
+void Position::SetLatitudeDecDeg(double degrees) { SetLatitudeRads(degrees / 180 * kPi); }
+double Position::GetLongitudeDecDeg() { return GetLongitudeRads() * 180 / kPi; }
+void Position::SetLongitudeDecDeg(double degrees) { SetLongitudeRads(degrees / 180 * kPi); }
+
+void Position::GetDMS(const Sexagesimal& form, bool negative, char positiveLetter,
+                      char negativeLetter, int16_t& degrees, int16_t& minutes, double& seconds,
+                      String*& hemisphere) {
+  degrees = form.degrees;
+  minutes = form.minutes;
+  seconds = form.seconds;
+  const char letter[2] = {negative ? negativeLetter : positiveLetter, 0};
+  hemisphere = new String(letter);
+}
+
+void Position::GetLatitudeDMS(int16_t& degrees, int16_t& minutes, double& seconds,
+                              String*& hemisphere) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGeographic();
+  GetDMS(m_latitude, m_engine->latitude < 0, 'N', 'S', degrees, minutes, seconds, hemisphere);
+}
+
+void Position::GetLongitudeDMS(int16_t& degrees, int16_t& minutes, double& seconds,
+                               String*& hemisphere) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGeographic();
+  GetDMS(m_longitude, m_engine->longitude < 0, 'E', 'W', degrees, minutes, seconds, hemisphere);
+}
+
+void Position::SetLatitudeDMS(double degrees, double minutes, double seconds,
+                              const String* hemisphere) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  if (!(degrees >= 0 && degrees <= 90)) {
+    SetError(kErrInvalidArgument, kInvalidDegrees);
+    return;
+  }
+  const double value = DmsToRadians(degrees, minutes, seconds);
+  StoreLatitude(Starts(hemisphere, 'S') ? -value : value);
+}
+
+void Position::SetLongitudeDMS(double degrees, double minutes, double seconds,
+                               const String* hemisphere) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  const double value = DmsToRadians(degrees, minutes, seconds);
+  StoreLongitude(Starts(hemisphere, 'W') ? -value : value);
+}
+
+String* Position::AngleText(const Sexagesimal& form, char hemisphere, int16_t format,
+                            int32_t nmeaForm) {
+  if (format != 0 && format != 1) {
+    SetError(kErrInvalidArgument, text::kInvalidParameter);
+    return nullptr;
+  }
+  return new String(form.degrees, form.minutes, form.seconds, hemisphere,
+                    format == 0 ? 0 : nmeaForm);
+}
+
+String* Position::GetLatitudeString(int16_t format) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGeographic();
+  return AngleText(m_latitude, m_engine->latitude < 0 ? 'S' : 'N', format, 1);
+}
+
+String* Position::GetLongitudeString(int16_t format) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGeographic();
+  return AngleText(m_longitude, m_engine->longitude < 0 ? 'W' : 'E', format, 2);
+}
+
+// ---- altitude ---------------------------------------------------------------------
+
+double Position::GetAltitude(int16_t kind) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGeographic();
+  if (kind == kAltitudeSeaLevel) return m_altitudeSeaLevel;
+  if (kind == kAltitudeEllipsoid) return m_engine->altitudeEllipsoid;
+  SetError(kErrInvalidArgument, text::kInvalidParameter);
+  return 0;
+}
+
+void Position::SetAltitude(double metres, int16_t kind) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  if (kind == kAltitudeSeaLevel)
+    m_altitudeSeaLevel = metres;
+  else if (kind == kAltitudeEllipsoid)
+    m_engine->altitudeEllipsoid = metres;
+  else
+    SetError(kErrInvalidArgument, text::kInvalidParameter);
+  Changed();
+}
+
+// ---- grid values ------------------------------------------------------------------
+
+double Position::GetEasting() {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGrid();
+  return m_engine->easting;
+}
+
+double Position::GetNorthing() {
+  LockScope lock;
+  ClearError();
+  Touch();
+  RefreshGrid();
+  return m_engine->northing;
+}
+
+void Position::SetEasting(double metres) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  m_engine->easting = metres;
+  m_geographicStale = 1;
+  m_gridStale = 0;
+  Changed();
+}
+
+void Position::SetNorthing(double metres) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  m_engine->northing = metres;
+  m_geographicStale = 1;
+  m_gridStale = 0;
+  Changed();
+}
+
+String* Position::GetZone() {
+  LockScope lock;
+  ClearError();
+  if (m_engine->grid != GridCatalogue::kNoGrid) {
+    Touch();
+    RefreshGrid();
+  }
+  return m_engine->GetZoneText();
+}
+
+bool Position::AcceptsZone(int16_t zone) const {
+  switch (GridCatalogue::FamilyOf(m_engine->grid)) {
+    case ZoneFamily::kUtm:
+      return zone >= 1 && zone <= 60;
+    case ZoneFamily::kGaussKrueger3:
+      return zone >= 1 && zone <= 10;
+    case ZoneFamily::kStatePlane83:
+      return GridCatalogue::FindZone83(zone) >= 0;
+    case ZoneFamily::kStatePlane27:
+      return GridCatalogue::FindZone27(zone) >= 0;
+    case ZoneFamily::kDanish34:
+      return zone == 1 || zone == 2;
+    case ZoneFamily::kNone:
+      break;
+  }
+  return false;
+}
+
+void Position::SetZone(const String* text) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  const int16_t zone = text ? text->ToShort() : 0;
+  if (zone == m_engine->zone) return;
+  m_engine->forcedZone = 0;
+  const ZoneFamily family = GridCatalogue::FamilyOf(m_engine->grid);
+  if (family == ZoneFamily::kNone) return;  // a grid without zones ignores them
+  if (!AcceptsZone(zone)) {
+    SetError(kErrInvalidArgument, kInvalidZone);
+    return;
+  }
+  RefreshGeographic();
+  if (family == ZoneFamily::kUtm || family == ZoneFamily::kGaussKrueger3)
+    m_engine->forcedZone = zone;
+  m_gridStale = 1;
+  if (Error().Failed()) return;
+  m_engine->zone = zone;
+  Changed();
+}
+
+// ---- datum and grid ---------------------------------------------------------------
+
+int16_t Position::GetDatum() {
+  LockScope lock;
+  ClearError();
+  Touch();
+  return m_engine->datum;
+}
+
+int16_t Position::GetGrid() {
+  LockScope lock;
+  ClearError();
+  Touch();
+  return m_engine->grid;
+}
+
+void Position::SetDatum(int16_t id) {
+  LockScope lock;
+  ClearError();
+  if (id < 1 || id > DatumTable::kCustom) {
+    SetError(kErrInvalidArgument, kUnknownDatum);
+    return;
+  }
+  if (id == DatumTable::kCustom) {
+    SetError(kErrInvalidArgument, kUseCustomDatum);
+    return;
+  }
+  if (id == m_engine->datum) return;
+  if (m_pristine) {
+    m_engine->datum = id;
+  } else if (m_geographicStale) {
+    m_engine->datum = id;
+    RefreshGeographic();
+  } else {
+    m_engine->ChangeDatum(id);
+    CopyError(m_engine);
+    RefreshSexagesimal();
+  }
+  Changed();
+}
+
+void Position::SetCustomDatum(CustomDatum* datum) {
+  LockScope lock;
+  ClearError();
+  if (!datum) {
+    SetError(kErrInvalidArgument, kNullCustomDatum);
+    return;
+  }
+  if (m_engine->datum == DatumTable::kCustom && datum->IsSame(m_engine->customDatum)) return;
+  if (m_pristine) {
+    m_engine->AttachCustomDatum(datum);
+  } else if (m_geographicStale) {
+    m_engine->AttachCustomDatum(datum);
+    RefreshGeographic();
+  } else {
+    m_engine->ChangeCustomDatum(datum);
+    CopyError(m_engine);
+    RefreshSexagesimal();
+  }
+  Changed();
+}
+
+void Position::SetGrid(int16_t id) {
+  LockScope lock;
+  ClearError();
+  if (!GridCatalogue::IsKnown(id)) {
+    SetError(kErrInvalidArgument, kUnknownGrid);
+    return;
+  }
+  if (id == GridCatalogue::kCustom) {
+    SetError(kErrInvalidArgument, kUseCustomGrid);
+    return;
+  }
+  if (id == m_engine->grid) return;
+  if (!m_pristine) {
+    RefreshGeographic();
+    m_gridStale = 1;
+  }
+  m_engine->grid = id;
+  m_engine->zone = 0;
+  m_engine->ForgetZoneText();
+  Changed();
+}
+
+void Position::SetCustomGrid(CustomGrid* grid) {
+  LockScope lock;
+  ClearError();
+  if (!grid) {
+    SetError(kErrInvalidArgument, kNullCustomGrid);
+    return;
+  }
+  if (m_engine->grid == GridCatalogue::kCustom && m_engine->customGrid &&
+      m_engine->customGrid->IsSame(grid))
+    return;
+  if (!m_pristine) {
+    RefreshGeographic();
+    m_gridStale = 1;
+  }
+  m_engine->AttachCustomGrid(grid);
+  m_engine->ForgetZoneText();
+  Changed();
+}
+
+CustomDatum* Position::GetCustomDatum() {
+  LockScope lock;
+  return m_engine->GetCustomDatum();
+}
+
+CustomGrid* Position::GetCustomGrid() {
+  LockScope lock;
+  return m_engine->GetCustomGrid();
+}
+
+// ---- comparing and copying --------------------------------------------------------
+
+bool Position::IsSameDatum(Position* other) {
+  LockScope lock;
+  ClearError();
+  if (!other) return false;
+  const int16_t datum = m_engine->datum;
+  if (datum != other->m_engine->datum) return false;
+  if (datum != DatumTable::kCustom) return true;
+  Ref<CustomDatum> mine(GetCustomDatum());
+  Ref<CustomDatum> theirs(other->GetCustomDatum());
+  return mine->IsSame(theirs.get());
+}
+
+bool Position::IsSameGrid(Position* other) {
+  LockScope lock;
+  ClearError();
+  if (!other || m_engine->grid == GridCatalogue::kNoGrid) return false;
+  if (m_engine->grid != other->m_engine->grid) return false;
+  if (m_engine->grid == GridCatalogue::kCustom) {
+    Ref<CustomGrid> mine(GetCustomGrid());
+    Ref<CustomGrid> theirs(other->GetCustomGrid());
+    return mine->IsSame(theirs.get());
+  }
+  Ref<String> zoneText(other->GetZone());
+  return m_engine->zone == zoneText->ToInt();
+}
+
+void Position::MakeSameDatum(Position* other) {
+  LockScope lock;
+  ClearError();
+  if (!other) return;
+  if (other->m_engine->datum == DatumTable::kCustom) {
+    Ref<CustomDatum> datum(other->GetCustomDatum());
+    SetCustomDatum(datum.get());
+  } else {
+    SetDatum(other->m_engine->datum);
+  }
+}
+
+void Position::MakeSameGrid(Position* other) {
+  LockScope lock;
+  ClearError();
+  if (!other || other->m_engine->grid == GridCatalogue::kNoGrid) return;
+  if (other->m_engine->grid == GridCatalogue::kCustom) {
+    Ref<CustomGrid> grid(other->GetCustomGrid());
+    SetCustomGrid(grid.get());
+    return;
+  }
+  Ref<String> zone(other->GetZone());
+  SetGrid(other->m_engine->grid);
+  SetZone(zone.get());
+}
+
+Position* Position::Copy() {
+  LockScope lock;
+  ClearError();
+  try {
+    Ref<Position> copy(new Position());
+    copy->m_altitudeSeaLevel = m_altitudeSeaLevel;
+    copy->m_latitude = m_latitude;
+    copy->m_longitude = m_longitude;
+    copy->m_geographicStale = m_geographicStale;
+    copy->m_gridStale = m_gridStale;
+    copy->m_pristine = m_pristine;
+    DatumGridEngine& from = *m_engine;
+    DatumGridEngine& to = *copy->m_engine;
+    to.altitudeEllipsoid = from.altitudeEllipsoid;
+    to.longitude = from.longitude;
+    to.latitude = from.latitude;
+    to.easting = from.easting;
+    to.northing = from.northing;
+    to.datum = from.datum;
+    to.grid = from.grid;
+    to.zone = from.zone;
+    to.forcedZone = from.forcedZone;
+    if (from.customDatum) to.customDatum = new CustomDatum(*from.customDatum);
+    if (from.customGrid) to.customGrid = new CustomGrid(*from.customGrid);
+    return copy.Detach();
+  } catch (const std::bad_alloc&) {
+    SetError(kErrOutOfMemory, text::kOutOfMemory);
+    return nullptr;
+  }
+}
+
+}  // namespace kx
