@@ -4,6 +4,7 @@
 #include <new>
 
 #include "coords/Constants.h"
+#include "coords/SphericalGeometry.h"
 #include "frame/ErrorNumbers.h"
 #include "frame/LibraryLock.h"
 #include "frame/Ref.h"
@@ -562,6 +563,144 @@ Position* Position::Copy() {
     SetError(kErrOutOfMemory, text::kOutOfMemory);
     return nullptr;
   }
+}
+
+}  // namespace kx
+
+// ---- distance, bearing and move ---------------------------------------------------
+
+namespace kx {
+
+namespace {
+constexpr const char* kNullPosition = "Position may not be null.";
+constexpr const char* kUnknownDistanceMethod = "Unknown method to calculate distance.";
+constexpr const char* kUnknownBearingMethod = "Unknown method to calculate bearing.";
+constexpr const char* kUnknownMoveMethod = "Unknown method.";
+constexpr int32_t kSphereMetres = 1;
+constexpr int32_t kSphereRadians = 2;
+constexpr int32_t kGridPlane = 3;
+constexpr double kTwoPi = 6.283185307179586;
+}  // namespace
+
+bool Position::IsMethod(int32_t method, const char* unknown) {
+  if (method >= kSphereMetres && method <= kGridPlane) return true;
+  SetError(kErrInvalidArgument, unknown);
+  return false;
+}
+
+// The other position itself when it shares this datum, else a copy brought into it:
+// the other never changes.
+Ref<Position> Position::InMyDatum(Position* other) {
+  if (IsSameDatum(other)) return Ref<Position>::Share(other);
+  Ref<Position> copy(other->Copy());
+  if (copy) copy->MakeSameDatum(this);
+  return copy;
+}
+
+Ref<Position> Position::InMyGrid(Position* other) {
+  if (IsSameGrid(other)) return Ref<Position>::Share(other);
+  Ref<Position> copy(other->Copy());
+  if (copy) copy->MakeSameGrid(this);
+  return copy;
+}
+
+bool Position::ReadGeographic(double& latitude, double& longitude) {
+  longitude = GetLongitudeRads();
+  if (Error().Failed()) return false;
+  latitude = GetLatitudeRads();
+  return !Error().Failed();
+}
+
+bool Position::ReadGrid(double& easting, double& northing) {
+  easting = GetEasting();
+  if (Error().Failed()) return false;
+  northing = GetNorthing();
+  return !Error().Failed();
+}
+
+double Position::Distance(Position* other, int32_t method) {
+  LockScope lock;
+  ClearError();
+  if (!other) {
+    SetError(kErrInvalidArgument, kNullPosition);
+    return 0;
+  }
+  if (!IsMethod(method, kUnknownDistanceMethod)) return 0;
+  if (method == kGridPlane) {
+    double E1, N1;
+    if (!ReadGrid(E1, N1)) return 0;
+    Ref<Position> there = InMyGrid(other);
+    if (!there) return 0;
+    double E2 = 0, N2 = 0;
+    there->ReadGrid(E2, N2);
+    if (CopyError(there.get()) != 0) return 0;
+    return std::sqrt((E2 - E1) * (E2 - E1) + (N2 - N1) * (N2 - N1));
+  }
+  double p1, l1;
+  if (!ReadGeographic(p1, l1)) return 0;
+  Ref<Position> there = InMyDatum(other);
+  if (!there) return 0;
+  double p2 = 0, l2 = 0;
+  there->ReadGeographic(p2, l2);
+  const double d = SphericalGeometry::Arc(p1, l1, p2, l2);
+  return method == kSphereMetres ? d * SphericalGeometry::kEarthRadius : d;
+}
+
+double Position::Bearing(Position* other, int32_t method) {
+  LockScope lock;
+  ClearError();
+  if (!other) {
+    SetError(kErrInvalidArgument, kNullPosition);
+    return 0;
+  }
+  if (!IsMethod(method, kUnknownBearingMethod)) return 0;
+  double bearing = 0;
+  if (method == kGridPlane) {
+    double E1, N1, E2 = 0, N2 = 0;
+    if (!ReadGrid(E1, N1)) return 0;
+    Ref<Position> there = InMyGrid(other);
+    if (!there) return 0;
+    there->ReadGrid(E2, N2);
+    double b = kHalfPi - std::atan2(N2 - N1, E2 - E1);
+    if (b < 0) b += kTwoPi;
+    bearing = b * 180 / kPi;
+  } else {
+    const double d = Distance(other, kSphereRadians);
+    if (Error().Failed() || !(d > 1e-16)) return 0;  // at the same point
+    double p1, l1, p2 = 0, l2 = 0;
+    if (!ReadGeographic(p1, l1)) return 0;
+    Ref<Position> there = InMyDatum(other);
+    if (!there) return 0;
+    there->ReadGeographic(p2, l2);
+    bearing = SphericalGeometry::Bearing(p1, l1, p2, l2, d);
+  }
+  return bearing == 360.0 ? 0 : bearing;
+}
+
+void Position::Move(double distance, double bearing, int32_t method) {
+  LockScope lock;
+  ClearError();
+  if (IsMethod(method, kUnknownMoveMethod)) {
+    if (method == kGridPlane) {
+      double E1, N1;
+      if (ReadGrid(E1, N1)) {
+        const double t = kHalfPi - bearing * kPi / 180;
+        SetEasting(E1 + distance * std::cos(t));
+        SetNorthing(N1 + distance * std::sin(t));
+      }
+    } else {
+      const double r =
+          method == kSphereMetres ? distance / SphericalGeometry::kEarthRadius : distance;
+      double p1, l1;
+      if (ReadGeographic(p1, l1)) {
+        double p2, l2;
+        SphericalGeometry::Destination(p1, l1, r, bearing * 0.017453292519943295, p2, l2);
+        SetLatitudeRads(p2);
+        SetLongitudeRads(l2);
+      }
+    }
+  }
+  Changed();
 }
 
 }  // namespace kx

@@ -10,6 +10,7 @@
 #include "coords/CustomGrid.h"
 #include "coords/DatumGridEngine.h"
 #include "frame/BaseObject.h"
+#include "frame/Ref.h"
 #include "frame/String.h"
 
 namespace kx {
@@ -69,6 +70,12 @@ class Position : public BaseObject {
   bool IsSameDatum(Position* other);
   bool IsSameGrid(Position* other);
 
+  // Method 1: metres on the sphere; 2: radians of arc; 3: metres in the grid plane.
+  double Distance(Position* other, int32_t method);
+  // Degrees clockwise from north (grid north in method 3), 0 up to 360.
+  double Bearing(Position* other, int32_t method);
+  void Move(double distance, double bearing, int32_t method);
+
   // Raised by every change; read without the lock by those who watch for one.
   uint32_t GetRevision() const { return m_revision.load(std::memory_order_relaxed); }
 
@@ -90,6 +97,11 @@ class Position : public BaseObject {
               int16_t& degrees, int16_t& minutes, double& seconds, String*& hemisphere);
   String* AngleText(const Sexagesimal& form, char hemisphere, int16_t format, int32_t nmeaForm);
   bool AcceptsZone(int16_t zone) const;
+  bool IsMethod(int32_t method, const char* unknown);
+  Ref<Position> InMyDatum(Position* other);
+  Ref<Position> InMyGrid(Position* other);
+  bool ReadGeographic(double& latitude, double& longitude);
+  bool ReadGrid(double& easting, double& northing);
 
   DatumGridEngine* m_engine;
   double m_altitudeSeaLevel = 0;

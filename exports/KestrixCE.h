@@ -118,6 +118,15 @@ KX_API void Position_MakeSameDatum(KxPosition position, KxPosition other);
 KX_API void Position_MakeSameGrid(KxPosition position, KxPosition other);
 KX_API KxBool Position_IsSameDatum(KxPosition position, KxPosition other);
 KX_API KxBool Position_IsSameGrid(KxPosition position, KxPosition other);
+/* method 1: metres on a sphere of radius 6366710 m; 2: radians of arc; 3: metres in the
+ * grid plane (the other position is brought into this one's datum or grid; it doesn't
+ * change) */
+KX_API void Position_Distance(KxPosition position, KxPosition other, int method, double* value);
+/* degrees clockwise from north (grid north in method 3), from 0 up to 360 */
+KX_API void Position_Bearing(KxPosition position, KxPosition other, int method, double* value);
+/* moves the position by a distance (units as Position_Distance) along a bearing in degrees */
+KX_API void Position_Move(KxPosition position, const double* distance, const double* bearing,
+                          int method);
 
 /* ---- CustomDatum: an ellipsoid and the seven parameters that lead to WGS 84 -------- */
 KX_API KxCustomDatum CustomDatum_New(void);

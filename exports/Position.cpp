@@ -182,4 +182,29 @@ KX_API KxBool Position_IsSameGrid(KxPosition position, KxPosition other) {
   return Guarded(self, [&] { return KxBool(self->IsSameGrid(Of(other))); });
 }
 
+KX_API void Position_Distance(KxPosition position, KxPosition other, int method, double* value) {
+  Position* self = Of(position);
+  Guarded(self, [&] {
+    const double distance = self->Distance(Of(other), method);
+    if (value) *value = distance;
+  });
+}
+KX_API void Position_Bearing(KxPosition position, KxPosition other, int method, double* value) {
+  Position* self = Of(position);
+  Guarded(self, [&] {
+    const double bearing = self->Bearing(Of(other), method);
+    if (value) *value = bearing;
+  });
+}
+KX_API void Position_Move(KxPosition position, const double* distance, const double* bearing,
+                          int method) {
+  Position* self = Of(position);
+  Guarded(self, [&] {
+    if (distance && bearing)
+      self->Move(*distance, *bearing, method);
+    else
+      self->Error().SetError(kErrInvalidArgument, text::kInvalidParameter);
+  });
+}
+
 }  // extern "C"

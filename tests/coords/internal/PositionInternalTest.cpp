@@ -120,3 +120,18 @@ TEST(DatumShift, ATranslationOnlyShiftThereAndBackIsExactToTheNanometre) {
 
 }  // namespace
 }  // namespace kx
+
+namespace kx {
+namespace {
+
+TEST(PositionRevision, MoveRaisesItEvenForAnUnknownMethod) {
+  Ref<Position> p(new Position());
+  const uint32_t before = p->GetRevision();
+  p->Move(1, 0, 7);
+  EXPECT_EQ(p->GetRevision(), before + 1);
+  p->Move(1000, 0, 1);  // two setters and the move itself
+  EXPECT_EQ(p->GetRevision(), before + 4);
+}
+
+}  // namespace
+}  // namespace kx
