@@ -109,8 +109,7 @@ String::String(double value, int32_t precision) {
   AssignText(text.c_str(), kDoubleBuffer);
 }
 
-String::String(int32_t degrees, int32_t minutes, double seconds, char hemisphere,
-               int32_t format) {
+String::String(int32_t degrees, int32_t minutes, double seconds, char hemisphere, int32_t format) {
   AssignText(AngleText(degrees, minutes, seconds, hemisphere, format).c_str(), kAngleBuffer);
 }
 
@@ -154,8 +153,7 @@ String* String::Mid(int32_t start, int32_t count) const {
   return new String(m_text + start, count);
 }
 
-bool String::EqualsBytes(const char* text, int32_t textLength, int32_t count,
-                         int32_t start) const {
+bool String::EqualsBytes(const char* text, int32_t textLength, int32_t count, int32_t start) const {
   if (m_length == 0) return count == 0 || (text && textLength == 0);
   if (!text || start < 0 || start >= m_length) return false;
   const char* here = m_text + start;

@@ -1,9 +1,9 @@
 // BSTR: a 32-bit byte count, the characters, a wide NUL. The handed-out pointer
 // points at the first character, as on the device.
-#include "platform/win32ce.h"
-
 #include <cstdlib>
 #include <cstring>
+
+#include "platform/win32ce.h"
 
 namespace {
 constexpr size_t kPrefix = sizeof(uint32_t);

@@ -1,9 +1,9 @@
 // Critical sections as recursive pthread mutexes; interlocked counts as atomics.
-#include "platform/win32ce.h"
-
 #include <pthread.h>
 
 #include <cstdlib>
+
+#include "platform/win32ce.h"
 
 void InitializeCriticalSection(CRITICAL_SECTION* cs) {
   auto* mutex = static_cast<pthread_mutex_t*>(std::malloc(sizeof(pthread_mutex_t)));

@@ -1,9 +1,8 @@
-#include "frame/BaseObject.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "frame/BaseObject.h"
 #include "frame/ErrorNumbers.h"
 #include "frame/Ref.h"
 

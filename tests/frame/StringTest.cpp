@@ -1,17 +1,18 @@
-#include "frame/String.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "frame/Ref.h"
+#include "frame/String.h"
 
 using kx::Ref;
 using kx::String;
 
 namespace {
 
-std::string TextOf(const String& s) { return s.GetText() ? std::string(s.GetText(), s.GetLength()) : ""; }
+std::string TextOf(const String& s) {
+  return s.GetText() ? std::string(s.GetText(), s.GetLength()) : "";
+}
 
 std::string Angle(int d, int m, double s, char h, int format) {
   String text(d, m, s, h, format);

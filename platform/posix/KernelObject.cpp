@@ -1,0 +1,35 @@
+#include "platform/posix/KernelObject.h"
+
+namespace platform {
+
+// Never destroyed: a detached thread may still signal while the process exits.
+std::mutex& KernelObject::HubMutex() {
+  static auto* mutex = new std::mutex;
+  return *mutex;
+}
+
+std::condition_variable& KernelObject::HubCondition() {
+  static auto* condition = new std::condition_variable;
+  return *condition;
+}
+
+void KernelObject::Signal() {
+  {
+    std::lock_guard<std::mutex> lock(HubMutex());
+    m_signalled = true;
+  }
+  HubCondition().notify_all();
+}
+
+void KernelObject::Unsignal() {
+  std::lock_guard<std::mutex> lock(HubMutex());
+  m_signalled = false;
+}
+
+bool KernelObject::TryAcquireLocked() {
+  if (!m_signalled) return false;
+  if (!m_manualReset) m_signalled = false;
+  return true;
+}
+
+}  // namespace platform

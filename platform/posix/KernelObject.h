@@ -1,0 +1,61 @@
+// What a HANDLE of an event or a thread points at: a counted waitable object. All
+// signalling goes through one process-wide mutex and condition variable, so that a wait
+// for any of several objects sees each of them change.
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+#include "platform/win32ce.h"
+
+namespace platform {
+
+class KernelObject {
+ public:
+  enum class Kind { kEvent, kThread };
+
+  KernelObject(Kind kind, bool manualReset) : m_kind(kind), m_manualReset(manualReset) {}
+  virtual ~KernelObject() = default;
+
+  static KernelObject* FromHandle(HANDLE handle) { return static_cast<KernelObject*>(handle); }
+  HANDLE AsHandle() { return this; }
+  Kind GetKind() const { return m_kind; }
+
+  void AddRef() { m_refs.fetch_add(1, std::memory_order_relaxed); }
+  void Release() {
+    if (m_refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+  }
+
+  // Signal state; each takes the hub's lock itself.
+  void Signal();
+  void Unsignal();
+
+  // The hub's lock, held by waiters while they look at signal states.
+  static std::mutex& HubMutex();
+  static std::condition_variable& HubCondition();
+  // Under the hub's lock: whether the object is signalled, consuming the signal of an
+  // auto-reset event.
+  bool TryAcquireLocked();
+
+ private:
+  std::atomic<int> m_refs{1};
+  const Kind m_kind;
+  const bool m_manualReset;
+  bool m_signalled = false;  // guarded by the hub's lock
+};
+
+// A thread's handle: signalled when the thread's routine has returned.
+class ThreadObject : public KernelObject {
+ public:
+  ThreadObject() : KernelObject(Kind::kThread, true) {}
+  pthread_t thread{};
+  LPTHREAD_START_ROUTINE start = nullptr;
+  LPVOID parameter = nullptr;
+  std::atomic<bool> finished{false};
+};
+
+}  // namespace platform
