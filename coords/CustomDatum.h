@@ -41,15 +41,6 @@ class CustomDatum : public BaseObject {
   DatumRecord Parameters() const;
 
  private:
-  double Read(double field) {
-    ClearError();
-    return field;
-  }
-  void Write(double& field, double value) {
-    ClearError();
-    field = value;
-  }
-
   double m_semiMajorAxis = 0;
   double m_e2 = 0;
   double m_deltaX = 0, m_deltaY = 0, m_deltaZ = 0;

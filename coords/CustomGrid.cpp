@@ -29,24 +29,26 @@ CustomGrid::CustomGrid(const CustomGrid& other)
 
 CustomGrid::~CustomGrid() { ReleaseObject(m_customDatum); }
 
-double CustomGrid::GetFalseEasting() { return Read(m_falseEasting); }
-void CustomGrid::SetFalseEasting(double metres) { Write(m_falseEasting, metres); }
-double CustomGrid::GetFalseNorthing() { return Read(m_falseNorthing); }
-void CustomGrid::SetFalseNorthing(double metres) { Write(m_falseNorthing, metres); }
-double CustomGrid::GetScaleFactor() { return Read(m_scaleFactor); }
-void CustomGrid::SetScaleFactor(double value) { Write(m_scaleFactor, value); }
-double CustomGrid::GetLongitudeOfOrigin() { return RadiansToDegrees(Read(m_longitudeOfOrigin)); }
+double CustomGrid::GetFalseEasting() { return ReadField(m_falseEasting); }
+void CustomGrid::SetFalseEasting(double metres) { WriteField(m_falseEasting, metres); }
+double CustomGrid::GetFalseNorthing() { return ReadField(m_falseNorthing); }
+void CustomGrid::SetFalseNorthing(double metres) { WriteField(m_falseNorthing, metres); }
+double CustomGrid::GetScaleFactor() { return ReadField(m_scaleFactor); }
+void CustomGrid::SetScaleFactor(double value) { WriteField(m_scaleFactor, value); }
+double CustomGrid::GetLongitudeOfOrigin() {
+  return RadiansToDegrees(ReadField(m_longitudeOfOrigin));
+}
 void CustomGrid::SetLongitudeOfOrigin(double degrees) {
-  Write(m_longitudeOfOrigin, ToRadians(degrees));
+  WriteField(m_longitudeOfOrigin, ToRadians(degrees));
 }
-double CustomGrid::GetLatitudeOfOrigin() { return RadiansToDegrees(Read(m_latitudeOfOrigin)); }
+double CustomGrid::GetLatitudeOfOrigin() { return RadiansToDegrees(ReadField(m_latitudeOfOrigin)); }
 void CustomGrid::SetLatitudeOfOrigin(double degrees) {
-  Write(m_latitudeOfOrigin, ToRadians(degrees));
+  WriteField(m_latitudeOfOrigin, ToRadians(degrees));
 }
-double CustomGrid::GetLatitudeSP1() { return RadiansToDegrees(Read(m_latitudeSP1)); }
-void CustomGrid::SetLatitudeSP1(double degrees) { Write(m_latitudeSP1, ToRadians(degrees)); }
-double CustomGrid::GetLatitudeSP2() { return RadiansToDegrees(Read(m_latitudeSP2)); }
-void CustomGrid::SetLatitudeSP2(double degrees) { Write(m_latitudeSP2, ToRadians(degrees)); }
+double CustomGrid::GetLatitudeSP1() { return RadiansToDegrees(ReadField(m_latitudeSP1)); }
+void CustomGrid::SetLatitudeSP1(double degrees) { WriteField(m_latitudeSP1, ToRadians(degrees)); }
+double CustomGrid::GetLatitudeSP2() { return RadiansToDegrees(ReadField(m_latitudeSP2)); }
+void CustomGrid::SetLatitudeSP2(double degrees) { WriteField(m_latitudeSP2, ToRadians(degrees)); }
 
 int32_t CustomGrid::GetAlgorithm() {
   ClearError();

@@ -48,15 +48,6 @@ class CustomGrid : public BaseObject {
   GridRecord AsRow() const;
 
  private:
-  double Read(double field) {
-    ClearError();
-    return field;
-  }
-  void Write(double& field, double value) {
-    ClearError();
-    field = value;
-  }
-
   int16_t m_datum = 28;
   CustomDatum* m_customDatum = nullptr;
   int32_t m_algorithm = 3;

@@ -383,6 +383,31 @@ int16_t Position::GetGrid() {
   return m_engine->grid;
 }
 
+// A change of datum by state: a new position takes only the label; where easting and
+// northing are the truth, the label changes and the inverse projection follows; else
+// the point itself is shifted. The point never moves on the earth.
+template <class Label, class Shift>
+void Position::ChangeDatumBy(const Label& label, const Shift& shift) {
+  if (m_pristine) {
+    label();
+  } else if (m_geographicStale) {
+    label();
+    RefreshGeographic();
+  } else {
+    shift();
+    CopyError(m_engine);
+    RefreshSexagesimal();
+  }
+  Changed();
+}
+
+// Before a grid changes: the geographic values become the truth for the new grid.
+void Position::PrepareGridChange() {
+  if (m_pristine) return;
+  RefreshGeographic();
+  m_gridStale = 1;
+}
+
 void Position::SetDatum(int16_t id) {
   LockScope lock;
   ClearError();
@@ -395,17 +420,7 @@ void Position::SetDatum(int16_t id) {
     return;
   }
   if (id == m_engine->datum) return;
-  if (m_pristine) {
-    m_engine->datum = id;
-  } else if (m_geographicStale) {
-    m_engine->datum = id;
-    RefreshGeographic();
-  } else {
-    m_engine->ChangeDatum(id);
-    CopyError(m_engine);
-    RefreshSexagesimal();
-  }
-  Changed();
+  ChangeDatumBy([&] { m_engine->datum = id; }, [&] { m_engine->ChangeDatum(id); });
 }
 
 void Position::SetCustomDatum(CustomDatum* datum) {
@@ -416,17 +431,8 @@ void Position::SetCustomDatum(CustomDatum* datum) {
     return;
   }
   if (m_engine->datum == DatumTable::kCustom && datum->IsSame(m_engine->customDatum)) return;
-  if (m_pristine) {
-    m_engine->AttachCustomDatum(datum);
-  } else if (m_geographicStale) {
-    m_engine->AttachCustomDatum(datum);
-    RefreshGeographic();
-  } else {
-    m_engine->ChangeCustomDatum(datum);
-    CopyError(m_engine);
-    RefreshSexagesimal();
-  }
-  Changed();
+  ChangeDatumBy([&] { m_engine->AttachCustomDatum(datum); },
+                [&] { m_engine->ChangeCustomDatum(datum); });
 }
 
 void Position::SetGrid(int16_t id) {
@@ -441,10 +447,7 @@ void Position::SetGrid(int16_t id) {
     return;
   }
   if (id == m_engine->grid) return;
-  if (!m_pristine) {
-    RefreshGeographic();
-    m_gridStale = 1;
-  }
+  PrepareGridChange();
   m_engine->grid = id;
   m_engine->zone = 0;
   m_engine->ForgetZoneText();
@@ -461,10 +464,7 @@ void Position::SetCustomGrid(CustomGrid* grid) {
   if (m_engine->grid == GridCatalogue::kCustom && m_engine->customGrid &&
       m_engine->customGrid->IsSame(grid))
     return;
-  if (!m_pristine) {
-    RefreshGeographic();
-    m_gridStale = 1;
-  }
+  PrepareGridChange();
   m_engine->AttachCustomGrid(grid);
   m_engine->ForgetZoneText();
   Changed();
@@ -582,6 +582,14 @@ constexpr int32_t kGridPlane = 3;
 constexpr double kTwoPi = 6.283185307179586;
 }  // namespace
 
+bool Position::CanMeasure(const Position* other, int32_t method, const char* unknownMethod) {
+  if (!other) {
+    SetError(kErrInvalidArgument, kNullPosition);
+    return false;
+  }
+  return IsMethod(method, unknownMethod);
+}
+
 bool Position::IsMethod(int32_t method, const char* unknown) {
   if (method >= kSphereMetres && method <= kGridPlane) return true;
   SetError(kErrInvalidArgument, unknown);
@@ -621,11 +629,7 @@ bool Position::ReadGrid(double& easting, double& northing) {
 double Position::Distance(Position* other, int32_t method) {
   LockScope lock;
   ClearError();
-  if (!other) {
-    SetError(kErrInvalidArgument, kNullPosition);
-    return 0;
-  }
-  if (!IsMethod(method, kUnknownDistanceMethod)) return 0;
+  if (!CanMeasure(other, method, kUnknownDistanceMethod)) return 0;
   if (method == kGridPlane) {
     double E1, N1;
     if (!ReadGrid(E1, N1)) return 0;
@@ -649,11 +653,7 @@ double Position::Distance(Position* other, int32_t method) {
 double Position::Bearing(Position* other, int32_t method) {
   LockScope lock;
   ClearError();
-  if (!other) {
-    SetError(kErrInvalidArgument, kNullPosition);
-    return 0;
-  }
-  if (!IsMethod(method, kUnknownBearingMethod)) return 0;
+  if (!CanMeasure(other, method, kUnknownBearingMethod)) return 0;
   double bearing = 0;
   if (method == kGridPlane) {
     double E1, N1, E2 = 0, N2 = 0;

@@ -97,6 +97,10 @@ class Position : public BaseObject {
               int16_t& degrees, int16_t& minutes, double& seconds, String*& hemisphere);
   String* AngleText(const Sexagesimal& form, char hemisphere, int16_t format, int32_t nmeaForm);
   bool AcceptsZone(int16_t zone) const;
+  template <class Label, class Shift>
+  void ChangeDatumBy(const Label& label, const Shift& shift);
+  void PrepareGridChange();
+  bool CanMeasure(const Position* other, int32_t method, const char* unknownMethod);
   bool IsMethod(int32_t method, const char* unknown);
   Ref<Position> InMyDatum(Position* other);
   Ref<Position> InMyGrid(Position* other);

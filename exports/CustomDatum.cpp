@@ -18,23 +18,14 @@ KX_API KxCustomDatum CustomDatum_New(void) {
 KX_API void CustomDatum_Delete(KxCustomDatum datum) { DeleteObject(Of(datum)); }
 KX_API KxError CustomDatum_GetErrHandle(KxCustomDatum datum) { return ErrorHandleOf(Of(datum)); }
 
-#define KX_CUSTOM_DATUM_VALUE(Name, unit)                                      \
-  KX_API void CustomDatum_Get##Name(KxCustomDatum datum, double* unit) {       \
-    GetValue(Of(datum), unit, &CustomDatum::Get##Name);                        \
-  }                                                                            \
-  KX_API void CustomDatum_Set##Name(KxCustomDatum datum, const double* unit) { \
-    SetValue(Of(datum), unit, &CustomDatum::Set##Name);                        \
-  }
-
-KX_CUSTOM_DATUM_VALUE(SemiMajorAxis, metres)
-KX_CUSTOM_DATUM_VALUE(E2, value)
-KX_CUSTOM_DATUM_VALUE(DeltaX, metres)
-KX_CUSTOM_DATUM_VALUE(DeltaY, metres)
-KX_CUSTOM_DATUM_VALUE(DeltaZ, metres)
-KX_CUSTOM_DATUM_VALUE(RotX, seconds)
-KX_CUSTOM_DATUM_VALUE(RotY, seconds)
-KX_CUSTOM_DATUM_VALUE(RotZ, seconds)
-KX_CUSTOM_DATUM_VALUE(ScaleFactor, value)
-#undef KX_CUSTOM_DATUM_VALUE
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, SemiMajorAxis, metres)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, E2, value)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, DeltaX, metres)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, DeltaY, metres)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, DeltaZ, metres)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, RotX, seconds)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, RotY, seconds)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, RotZ, seconds)
+KX_EXPORT_DOUBLE_PROPERTY(CustomDatum, KxCustomDatum, CustomDatum, ScaleFactor, value)
 
 }  // extern "C"

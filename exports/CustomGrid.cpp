@@ -16,22 +16,13 @@ KX_API KxCustomGrid CustomGrid_New(void) { return HandleOf<KxCustomGrid>(NewObje
 KX_API void CustomGrid_Delete(KxCustomGrid grid) { DeleteObject(Of(grid)); }
 KX_API KxError CustomGrid_GetErrHandle(KxCustomGrid grid) { return ErrorHandleOf(Of(grid)); }
 
-#define KX_CUSTOM_GRID_VALUE(Name, unit)                                    \
-  KX_API void CustomGrid_Get##Name(KxCustomGrid grid, double* unit) {       \
-    GetValue(Of(grid), unit, &CustomGrid::Get##Name);                       \
-  }                                                                         \
-  KX_API void CustomGrid_Set##Name(KxCustomGrid grid, const double* unit) { \
-    SetValue(Of(grid), unit, &CustomGrid::Set##Name);                       \
-  }
-
-KX_CUSTOM_GRID_VALUE(FalseEasting, metres)
-KX_CUSTOM_GRID_VALUE(FalseNorthing, metres)
-KX_CUSTOM_GRID_VALUE(ScaleFactor, value)
-KX_CUSTOM_GRID_VALUE(LongitudeOfOrigin, degrees)
-KX_CUSTOM_GRID_VALUE(LatitudeOfOrigin, degrees)
-KX_CUSTOM_GRID_VALUE(LatitudeSP1, degrees)
-KX_CUSTOM_GRID_VALUE(LatitudeSP2, degrees)
-#undef KX_CUSTOM_GRID_VALUE
+KX_EXPORT_DOUBLE_PROPERTY(CustomGrid, KxCustomGrid, CustomGrid, FalseEasting, metres)
+KX_EXPORT_DOUBLE_PROPERTY(CustomGrid, KxCustomGrid, CustomGrid, FalseNorthing, metres)
+KX_EXPORT_DOUBLE_PROPERTY(CustomGrid, KxCustomGrid, CustomGrid, ScaleFactor, value)
+KX_EXPORT_DOUBLE_PROPERTY(CustomGrid, KxCustomGrid, CustomGrid, LongitudeOfOrigin, degrees)
+KX_EXPORT_DOUBLE_PROPERTY(CustomGrid, KxCustomGrid, CustomGrid, LatitudeOfOrigin, degrees)
+KX_EXPORT_DOUBLE_PROPERTY(CustomGrid, KxCustomGrid, CustomGrid, LatitudeSP1, degrees)
+KX_EXPORT_DOUBLE_PROPERTY(CustomGrid, KxCustomGrid, CustomGrid, LatitudeSP2, degrees)
 
 KX_API int CustomGrid_GetAlgorithm(KxCustomGrid grid) {
   CustomGrid* self = Of(grid);

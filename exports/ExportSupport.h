@@ -59,12 +59,17 @@ auto Guarded(BaseObject* object, Fn&& call) noexcept -> decltype(call()) {
 }
 
 // A value result through an out pointer; a null pointer receives nothing.
-template <class T, class R>
-void GetValue(T* object, R* out, R (T::*getter)()) {
+template <class R, class Fn>
+void Deliver(BaseObject* object, R* out, Fn&& call) {
   Guarded(object, [&] {
-    const R value = (object->*getter)();
+    const R value = call();
     if (out) *out = value;
   });
+}
+
+template <class T, class R>
+void GetValue(T* object, R* out, R (T::*getter)()) {
+  Deliver(object, out, [&] { return (object->*getter)(); });
 }
 
 // A value argument by pointer; a null pointer is refused as an invalid parameter.
@@ -86,3 +91,12 @@ void HandOut(String* text, BSTR* out);
 inline Ref<String> TextIn(const WCHAR* text) { return Ref<String>(new String(text)); }
 
 }  // namespace kx::exports
+
+// The getter and setter of a double property, Family_GetName and Family_SetName.
+#define KX_EXPORT_DOUBLE_PROPERTY(Family, Handle, Class, Name, unit)                      \
+  KX_API void Family##_Get##Name(Handle handle, double* unit) {                           \
+    kx::exports::GetValue(kx::exports::ObjectOf<Class>(handle), unit, &Class::Get##Name); \
+  }                                                                                       \
+  KX_API void Family##_Set##Name(Handle handle, const double* unit) {                     \
+    kx::exports::SetValue(kx::exports::ObjectOf<Class>(handle), unit, &Class::Set##Name); \
+  }

@@ -49,30 +49,10 @@ KX_API KxPosition Position_Copy(KxPosition position) {
   return HandleOf<KxPosition>(Guarded(self, [&] { return self->Copy(); }));
 }
 
-KX_API void Position_GetLatitudeRads(KxPosition position, double* value) {
-  GetValue(Of(position), value, &Position::GetLatitudeRads);
-}
-KX_API void Position_SetLatitudeRads(KxPosition position, const double* value) {
-  SetValue(Of(position), value, &Position::SetLatitudeRads);
-}
-KX_API void Position_GetLongitudeRads(KxPosition position, double* value) {
-  GetValue(Of(position), value, &Position::GetLongitudeRads);
-}
-KX_API void Position_SetLongitudeRads(KxPosition position, const double* value) {
-  SetValue(Of(position), value, &Position::SetLongitudeRads);
-}
-KX_API void Position_GetLatitudeDecDeg(KxPosition position, double* value) {
-  GetValue(Of(position), value, &Position::GetLatitudeDecDeg);
-}
-KX_API void Position_SetLatitudeDecDeg(KxPosition position, const double* value) {
-  SetValue(Of(position), value, &Position::SetLatitudeDecDeg);
-}
-KX_API void Position_GetLongitudeDecDeg(KxPosition position, double* value) {
-  GetValue(Of(position), value, &Position::GetLongitudeDecDeg);
-}
-KX_API void Position_SetLongitudeDecDeg(KxPosition position, const double* value) {
-  SetValue(Of(position), value, &Position::SetLongitudeDecDeg);
-}
+KX_EXPORT_DOUBLE_PROPERTY(Position, KxPosition, Position, LatitudeRads, value)
+KX_EXPORT_DOUBLE_PROPERTY(Position, KxPosition, Position, LongitudeRads, value)
+KX_EXPORT_DOUBLE_PROPERTY(Position, KxPosition, Position, LatitudeDecDeg, value)
+KX_EXPORT_DOUBLE_PROPERTY(Position, KxPosition, Position, LongitudeDecDeg, value)
 
 KX_API void Position_GetLatitudeDMS(KxPosition position, short* degrees, short* minutes,
                                     double* seconds, BSTR* hemisphere) {
@@ -104,10 +84,7 @@ KX_API void Position_GetLongitudeString(KxPosition position, BSTR* text, short f
 
 KX_API void Position_GetAltitude(KxPosition position, short kind, double* value) {
   Position* self = Of(position);
-  Guarded(self, [&] {
-    const double altitude = self->GetAltitude(kind);
-    if (value) *value = altitude;
-  });
+  Deliver(self, value, [&] { return self->GetAltitude(kind); });
 }
 KX_API void Position_SetAltitude(KxPosition position, const double* value, short kind) {
   Position* self = Of(position);
@@ -119,18 +96,8 @@ KX_API void Position_SetAltitude(KxPosition position, const double* value, short
   });
 }
 
-KX_API void Position_GetEasting(KxPosition position, double* value) {
-  GetValue(Of(position), value, &Position::GetEasting);
-}
-KX_API void Position_SetEasting(KxPosition position, const double* value) {
-  SetValue(Of(position), value, &Position::SetEasting);
-}
-KX_API void Position_GetNorthing(KxPosition position, double* value) {
-  GetValue(Of(position), value, &Position::GetNorthing);
-}
-KX_API void Position_SetNorthing(KxPosition position, const double* value) {
-  SetValue(Of(position), value, &Position::SetNorthing);
-}
+KX_EXPORT_DOUBLE_PROPERTY(Position, KxPosition, Position, Easting, value)
+KX_EXPORT_DOUBLE_PROPERTY(Position, KxPosition, Position, Northing, value)
 
 KX_API void Position_GetZone(KxPosition position, BSTR* text) {
   Position* self = Of(position);
@@ -184,17 +151,11 @@ KX_API KxBool Position_IsSameGrid(KxPosition position, KxPosition other) {
 
 KX_API void Position_Distance(KxPosition position, KxPosition other, int method, double* value) {
   Position* self = Of(position);
-  Guarded(self, [&] {
-    const double distance = self->Distance(Of(other), method);
-    if (value) *value = distance;
-  });
+  Deliver(self, value, [&] { return self->Distance(Of(other), method); });
 }
 KX_API void Position_Bearing(KxPosition position, KxPosition other, int method, double* value) {
   Position* self = Of(position);
-  Guarded(self, [&] {
-    const double bearing = self->Bearing(Of(other), method);
-    if (value) *value = bearing;
-  });
+  Deliver(self, value, [&] { return self->Bearing(Of(other), method); });
 }
 KX_API void Position_Move(KxPosition position, const double* distance, const double* bearing,
                           int method) {

@@ -42,6 +42,17 @@ class BaseObject {
     if (m_error.Failed()) m_error.ClearError();
   }
   void SetError(int32_t number, const char* text) { m_error.SetError(number, text); }
+  // A plain accessor: the record clears, and the field is read or written.
+  template <class T>
+  T ReadField(const T& field) {
+    ClearError();
+    return field;
+  }
+  template <class T>
+  void WriteField(T& field, const T& value) {
+    ClearError();
+    field = value;
+  }
   // Takes over the failure of a member object; a null member is itself a failure.
   int16_t CopyError(const BaseObject* member) {
     return m_error.m_copy_err(member ? &member->m_error : nullptr);
