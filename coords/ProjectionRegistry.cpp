@@ -1,11 +1,31 @@
 // Which class carries which algorithm number of the grid catalogue.
+#include "coords/LambertConformalConic.h"
+#include "coords/ObliqueStereographic.h"
 #include "coords/Projection.h"
+#include "coords/SwissObliqueMercator.h"
+#include "coords/TransverseMercator.h"
 
 namespace kx {
 
 const Projection* Projection::ForAlgorithm(int16_t algorithm) {
+  static const TransverseMercator transverseMercator;
+  static const SwissObliqueMercator swissObliqueMercator;
+  static const LambertConformalConic lambert(false);
+  static const LambertConformalConic belgianLambert(true);
+  static const ObliqueStereographic obliqueStereographic;
   switch (algorithm) {
-    default:  // no algorithm is built in yet
+    case 1:
+    case 3:
+      return &transverseMercator;
+    case 2:
+      return &swissObliqueMercator;
+    case 5:
+      return &lambert;
+    case 6:
+      return &belgianLambert;
+    case 8:
+      return &obliqueStereographic;
+    default:
       return nullptr;
   }
 }
