@@ -1,0 +1,183 @@
+// Zones, the projection frame around the algorithms, and their edges.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "KestrixCE.h"
+#include "support/ApiText.h"
+
+using kxtest::Failure;
+using kxtest::Take;
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+
+struct Grid {
+  double easting = 0, northing = 0;
+  std::string zone;
+};
+
+Grid Read(KxPosition p) {
+  Grid g;
+  Position_GetEasting(p, &g.easting);
+  Position_GetNorthing(p, &g.northing);
+  BSTR text = nullptr;
+  Position_GetZone(p, &text);
+  g.zone = Take(text);
+  return g;
+}
+
+KxPosition At(double latitude, double longitude, short grid, short datum = 1) {
+  KxPosition p = Position_New();
+  Position_SetDatum(p, datum);
+  Position_SetGrid(p, grid);
+  Position_SetLatitudeDecDeg(p, &latitude);
+  Position_SetLongitudeDecDeg(p, &longitude);
+  return p;
+}
+
+TEST(UtmZones, TheZoneFollowsTheLongitude) {
+  KxPosition p = At(60, 15, 1);
+  const Grid g = Read(p);
+  EXPECT_EQ(g.zone, "33V");
+  EXPECT_NEAR(g.easting, 500000, 1e-9);
+  Position_Delete(p);
+
+  for (double end : {kPi, -kPi}) {
+    KxPosition q = Position_New();
+    Position_SetGrid(q, 1);
+    Position_SetLongitudeRads(q, &end);
+    EXPECT_EQ(Read(q).zone, end > 0 ? "60N" : "1N");
+    double back = 0;
+    Position_GetLongitudeRads(q, &back);
+    EXPECT_EQ(back, end);  // the working longitude never shows
+    Position_Delete(q);
+  }
+}
+
+TEST(UtmZones, AForcedZoneCountsFromItsOwnWesternEdge) {
+  KxPosition p = At(60, 15, 1);
+  Position_SetZone(p, 32);
+  const Grid forced = Read(p);
+  EXPECT_EQ(Failure(Position_GetErrHandle(p)), "0");
+  EXPECT_EQ(forced.zone, "32V");
+  EXPECT_GT(forced.easting, 800000);  // 6 degrees east of the central meridian
+  Position_SetZone(p, 32);            // the zone it has: stays forced
+  EXPECT_EQ(Read(p).zone, "32V");
+  Position_SetZone(p, 61);  // refused, and the force is gone
+  EXPECT_EQ(Failure(Position_GetErrHandle(p)), "10003 Invalid Zone for this grid!");
+  const double lon = 15.0001;
+  Position_SetLongitudeDecDeg(p, &lon);
+  EXPECT_EQ(Read(p).zone, "33V");
+  Position_Delete(p);
+}
+
+TEST(GaussKrueger, ZoneKHasItsCentralMeridianAt3K) {
+  KxPosition p = At(51, 10.5, 29, 18);
+  const Grid g = Read(p);
+  EXPECT_EQ(g.zone, "3");
+  EXPECT_GT(g.easting, 500000);  // east of 9 degrees
+  KxPosition back = Position_New();
+  Position_SetDatum(back, 18);
+  Position_MakeSameGrid(back, p);
+  Position_SetEasting(back, &g.easting);
+  Position_SetNorthing(back, &g.northing);
+  double lon = 0;
+  Position_GetLongitudeDecDeg(back, &lon);
+  EXPECT_NEAR(lon, 10.5, 1e-9);
+  Position_Delete(p);
+  Position_Delete(back);
+}
+
+TEST(ProjectionFrame, TheDutchGridAtItsOriginGivesItsFalseOrigin) {
+  KxPosition p = At(52.1561605556, 5.3876388889, 34, 24);
+  const Grid g = Read(p);
+  EXPECT_NEAR(g.easting, 155000, 1e-9);
+  EXPECT_NEAR(g.northing, 463000, 1e-9);
+  Position_Delete(p);
+}
+
+TEST(ProjectionFrame, AFowardProjectionLeavesTheGeographicFieldsAsTheyWere) {
+  KxPosition p = At(51.5, -0.12, 3);
+  double altitude = 42;
+  Position_SetAltitude(p, &altitude, 1);
+  Read(p);
+  double lat = 0, lon = 0;
+  Position_GetLatitudeDecDeg(p, &lat);
+  Position_GetLongitudeDecDeg(p, &lon);
+  Position_GetAltitude(p, 1, &altitude);
+  EXPECT_EQ(lat, 51.5);
+  EXPECT_EQ(lon, -0.12);
+  EXPECT_EQ(altitude, 42.0);
+  EXPECT_EQ(Position_GetDatum(p), 1);
+  Position_Delete(p);
+}
+
+TEST(ProjectionFrame, NoShiftWithinTheNad27Family) {
+  // Key 101 of the 1927 table lies on datum 21; a point on datum 22 isn't shifted.
+  KxPosition on22 = At(32, -85.8, 30, 22), on21 = At(32, -85.8, 30, 21);
+  Position_SetZone(on22, 101);
+  Position_SetZone(on21, 101);
+  const Grid a = Read(on22), b = Read(on21);
+  EXPECT_EQ(a.easting, b.easting);
+  EXPECT_EQ(a.northing, b.northing);
+  KxPosition back = Position_New();
+  Position_SetDatum(back, 22);
+  Position_MakeSameGrid(back, on22);
+  Position_SetEasting(back, &a.easting);
+  Position_SetNorthing(back, &a.northing);
+  double lat = 0;
+  Position_GetLatitudeDecDeg(back, &lat);
+  EXPECT_NEAR(lat, 32, 1e-8);
+  for (KxPosition x : {on22, on21, back}) Position_Delete(x);
+}
+
+TEST(ProjectionFrame, AlgorithmsOneAndThreeAreOneTransverseMercator) {
+  Grid results[2];
+  for (int i = 0; i < 2; ++i) {
+    KxCustomGrid grid = CustomGrid_New();
+    CustomGrid_SetDatum(grid, 1);
+    CustomGrid_SetAlgorithm(grid, i == 0 ? 1 : 3);
+    const double lon0 = 9, k0 = 0.9996, fe = 500000;
+    CustomGrid_SetLongitudeOfOrigin(grid, &lon0);
+    CustomGrid_SetScaleFactor(grid, &k0);
+    CustomGrid_SetFalseEasting(grid, &fe);
+    KxPosition p = At(48, 11, 0);
+    Position_SetCustomGrid(p, grid);
+    results[i] = Read(p);
+    Position_Delete(p);
+    CustomGrid_Delete(grid);
+  }
+  EXPECT_EQ(results[0].easting, results[1].easting);
+  EXPECT_EQ(results[0].northing, results[1].northing);
+  KxPosition utm = At(48, 11, 1);
+  EXPECT_EQ(Read(utm).easting, results[0].easting);  // zone 32 is the same grid
+  Position_Delete(utm);
+}
+
+// Key 5001 runs the Swiss algorithm in both tables; PROJ has no twin, so the round trip
+// stands for it.
+TEST(StatePlane, AlaskaZoneOneRoundTrips) {
+  for (short grid : {30, 31}) {
+    KxPosition p = At(57.5, -134.5, grid, grid == 30 ? 20 : 19);
+    Position_SetZone(p, 5001);
+    const Grid g = Read(p);
+    ASSERT_EQ(Failure(Position_GetErrHandle(p)), "0");
+    KxPosition back = Position_New();
+    Position_SetDatum(back, grid == 30 ? 20 : 19);
+    Position_MakeSameGrid(back, p);
+    Position_SetEasting(back, &g.easting);
+    Position_SetNorthing(back, &g.northing);
+    double lat = 0, lon = 0;
+    Position_GetLatitudeDecDeg(back, &lat);
+    Position_GetLongitudeDecDeg(back, &lon);
+    EXPECT_NEAR(lat, 57.5, 1e-9);
+    EXPECT_NEAR(lon, -134.5, 1e-9);
+    Position_Delete(p);
+    Position_Delete(back);
+  }
+}
+
+}  // namespace
