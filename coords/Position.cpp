@@ -114,15 +114,34 @@ bool Position::RefreshGrid() {
   return true;
 }
 
+// The sexagesimal forms are worked out when first read after a write: the same values
+// as at the write, since nothing else changes the radians without a refresh.
 void Position::RefreshSexagesimal() {
   m_engine->longitude = NormalisedLongitude(m_engine->longitude);
-  ToSexagesimal(m_engine->latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
-  ToSexagesimal(m_engine->longitude, m_longitude.degrees, m_longitude.minutes, m_longitude.seconds);
+  m_latitudeFormStale = 1;
+  m_longitudeFormStale = 1;
+}
+
+const Position::Sexagesimal& Position::LatitudeForm() {
+  if (m_latitudeFormStale) {
+    ToSexagesimal(m_engine->latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
+    m_latitudeFormStale = 0;
+  }
+  return m_latitude;
+}
+
+const Position::Sexagesimal& Position::LongitudeForm() {
+  if (m_longitudeFormStale) {
+    ToSexagesimal(m_engine->longitude, m_longitude.degrees, m_longitude.minutes,
+                  m_longitude.seconds);
+    m_longitudeFormStale = 0;
+  }
+  return m_longitude;
 }
 
 void Position::StoreLatitude(double radians) {
   m_engine->latitude = radians;
-  ToSexagesimal(radians, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
+  m_latitudeFormStale = 1;
   m_gridStale = 1;
   m_geographicStale = 0;
   Changed();
@@ -130,7 +149,7 @@ void Position::StoreLatitude(double radians) {
 
 void Position::StoreLongitude(double radians) {
   m_engine->longitude = NormalisedLongitude(radians);
-  ToSexagesimal(m_engine->longitude, m_longitude.degrees, m_longitude.minutes, m_longitude.seconds);
+  m_longitudeFormStale = 1;
   m_gridStale = 1;
   m_geographicStale = 0;
   Changed();
@@ -193,7 +212,7 @@ void Position::GetLatitudeDMS(int16_t& degrees, int16_t& minutes, double& second
   ClearError();
   Touch();
   RefreshGeographic();
-  GetDMS(m_latitude, m_engine->latitude < 0, 'N', 'S', degrees, minutes, seconds, hemisphere);
+  GetDMS(LatitudeForm(), m_engine->latitude < 0, 'N', 'S', degrees, minutes, seconds, hemisphere);
 }
 
 void Position::GetLongitudeDMS(int16_t& degrees, int16_t& minutes, double& seconds,
@@ -202,7 +221,7 @@ void Position::GetLongitudeDMS(int16_t& degrees, int16_t& minutes, double& secon
   ClearError();
   Touch();
   RefreshGeographic();
-  GetDMS(m_longitude, m_engine->longitude < 0, 'E', 'W', degrees, minutes, seconds, hemisphere);
+  GetDMS(LongitudeForm(), m_engine->longitude < 0, 'E', 'W', degrees, minutes, seconds, hemisphere);
 }
 
 void Position::SetLatitudeDMS(double degrees, double minutes, double seconds,
@@ -242,7 +261,7 @@ String* Position::GetLatitudeString(int16_t format) {
   ClearError();
   Touch();
   RefreshGeographic();
-  return AngleText(m_latitude, m_engine->latitude < 0 ? 'S' : 'N', format, 1);
+  return AngleText(LatitudeForm(), m_engine->latitude < 0 ? 'S' : 'N', format, 1);
 }
 
 String* Position::GetLongitudeString(int16_t format) {
@@ -250,7 +269,7 @@ String* Position::GetLongitudeString(int16_t format) {
   ClearError();
   Touch();
   RefreshGeographic();
-  return AngleText(m_longitude, m_engine->longitude < 0 ? 'W' : 'E', format, 2);
+  return AngleText(LongitudeForm(), m_engine->longitude < 0 ? 'W' : 'E', format, 2);
 }
 
 // ---- altitude ---------------------------------------------------------------------
@@ -540,8 +559,8 @@ Position* Position::Copy() {
   try {
     Ref<Position> copy(new Position());
     copy->m_altitudeSeaLevel = m_altitudeSeaLevel;
-    copy->m_latitude = m_latitude;
-    copy->m_longitude = m_longitude;
+    copy->m_latitude = LatitudeForm();
+    copy->m_longitude = LongitudeForm();
     copy->m_geographicStale = m_geographicStale;
     copy->m_gridStale = m_gridStale;
     copy->m_pristine = m_pristine;

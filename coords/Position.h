@@ -87,10 +87,16 @@ class Position : public BaseObject {
   };
 
   void Touch() { m_pristine = 0; }
-  void Changed() { m_revision.fetch_add(1, std::memory_order_relaxed); }
+  // Written only under the LibraryLock, so no read-modify-write is needed; readers
+  // outside it see one value or the next.
+  void Changed() {
+    m_revision.store(m_revision.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+  }
   bool RefreshGeographic();
   bool RefreshGrid();
   void RefreshSexagesimal();
+  const Sexagesimal& LatitudeForm();
+  const Sexagesimal& LongitudeForm();
   void StoreLatitude(double radians);
   void StoreLongitude(double radians);
   void GetDMS(const Sexagesimal& form, bool negative, char positive, char negativeLetter,
@@ -114,6 +120,8 @@ class Position : public BaseObject {
   uint8_t m_geographicStale = 0;
   uint8_t m_gridStale = 0;
   uint8_t m_pristine = 1;
+  uint8_t m_latitudeFormStale = 0;   // the radians were written after the form
+  uint8_t m_longitudeFormStale = 0;
   std::atomic<uint32_t> m_revision{0};
 };
 
