@@ -1,5 +1,6 @@
 // Which class carries which algorithm number of the grid catalogue.
 #include "coords/LambertConformalConic.h"
+#include "coords/NzMapGrid.h"
 #include "coords/ObliqueStereographic.h"
 #include "coords/Projection.h"
 #include "coords/SwissObliqueMercator.h"
@@ -13,12 +14,15 @@ const Projection* Projection::ForAlgorithm(int16_t algorithm) {
   static const LambertConformalConic lambert(false);
   static const LambertConformalConic belgianLambert(true);
   static const ObliqueStereographic obliqueStereographic;
+  static const NzMapGrid nzMapGrid;
   switch (algorithm) {
     case 1:
     case 3:
       return &transverseMercator;
     case 2:
       return &swissObliqueMercator;
+    case 4:
+      return &nzMapGrid;
     case 5:
       return &lambert;
     case 6:
