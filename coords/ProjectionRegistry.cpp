@@ -1,4 +1,5 @@
 // Which class carries which algorithm number of the grid catalogue.
+#include "coords/DanishSystems.h"
 #include "coords/LambertConformalConic.h"
 #include "coords/NzMapGrid.h"
 #include "coords/ObliqueStereographic.h"
@@ -15,6 +16,7 @@ const Projection* Projection::ForAlgorithm(int16_t algorithm) {
   static const LambertConformalConic belgianLambert(true);
   static const ObliqueStereographic obliqueStereographic;
   static const NzMapGrid nzMapGrid;
+  static const DanishSystems danishSystems;
   switch (algorithm) {
     case 1:
     case 3:
@@ -29,6 +31,10 @@ const Projection* Projection::ForAlgorithm(int16_t algorithm) {
       return &belgianLambert;
     case 8:
       return &obliqueStereographic;
+    case 9:
+    case 10:
+    case 11:
+      return &danishSystems;
     default:
       return nullptr;
   }
