@@ -16,7 +16,8 @@ points lie within 3 degrees of the central meridian) and 0.01 mm for the others,
 0.15 mm on the zero-shift GRS 80 datums 2, 11, 14 and 19, where PROJ skips the
 geocentric round trip that the library makes.
 
-Run from this folder: ./make_vectors.py > vectors.txt (needs proj-bin).
+Run from this folder: ./make_vectors.py > vectors.txt (needs proj-bin), and
+./make_vectors.py --datums > datum_vectors.txt for the datum shifts alone.
 """
 import math
 import re
@@ -128,8 +129,43 @@ UTM_AREAS = {1: (33, 40, 70), 2: (33, -40, 60), 13: (32, 40, 70), 15: (55, -40, 
              47: (32, 54.5, 57.8)}
 
 
+def datum_vectors():
+    """WGS 84 -> each catalogued datum, geographic with ellipsoidal heights, by a cct
+    pipeline through geocentric coordinates (cs2cs would treat the heights as 2D and
+    leave them). datum_vectors.txt: datum latitude longitude height, then the same in
+    the datum (degrees, metres)."""
+    lines = [f"# made by make_vectors.py --datums with {proj_version()}"]
+    points = [(lat, lon, h) for lat in (-60.0, -35.5, 0.0, 37.25, 52.1, 68.9)
+              for lon in (-170.0, -75.3, 0.0, 12.7, 151.2) for h in (0.0, 350.0)]
+    wgs84_a, wgs84_es = ELLIPSOIDS[34]
+    for datum in range(2, 28):
+        row = DATUMS[datum]
+        a, es = ELLIPSOIDS[int(row[2])]
+        dx, dy, dz, rx, ry, rz, scale = (float(v) for v in row[3:10])
+        pipeline = ("+proj=pipeline +step +proj=unitconvert +xy_in=deg +xy_out=rad "
+                    f"+step +proj=cart +a={wgs84_a} +es={wgs84_es} "
+                    f"+step +inv +proj=helmert +x={dx!r} +y={dy!r} +z={dz!r} "
+                    f"+rx={rx * SECONDS_PER_RADIAN!r} +ry={ry * SECONDS_PER_RADIAN!r} "
+                    f"+rz={rz * SECONDS_PER_RADIAN!r} +s={scale * 1e6!r} +convention=position_vector "
+                    f"+step +inv +proj=cart +a={a} +es={es} "
+                    "+step +proj=unitconvert +xy_in=rad +xy_out=deg")
+        text = "".join(f"{lon!r} {lat!r} {h!r} 0\n" for lat, lon, h in points)
+        out = subprocess.run(["cct", "-d", "12"] + pipeline.split(), input=text,
+                             capture_output=True, text=True, check=True).stdout
+        for (lat, lon, h), line in zip(points, out.splitlines()):
+            lon2, lat2, h2 = line.split()[:3]
+            lines.append(f"{datum} {lat!r} {lon!r} {h!r} {lat2} {lon2} {h2}")
+    print("\n".join(lines))
+
+
+def proj_version():
+    return subprocess.run(["cs2cs"], capture_output=True, text=True).stderr.splitlines()[0]
+
+
 def main():
-    print(f"# made by make_vectors.py with {subprocess.run(['cs2cs'], capture_output=True, text=True).stderr.splitlines()[0]}")
+    if sys.argv[1:] == ["--datums"]:
+        return datum_vectors()
+    print(f"# made by make_vectors.py with {proj_version()}")
     for grid_id, (lat0, lat1, lon0, lon1) in AREAS.items():
         row = GRIDS[grid_id]
         grid(grid_id, 0, catalogue_params(row), spread(lat0, lat1, lon0, lon1), int(row[2]))
