@@ -1,0 +1,86 @@
+// kestrix: the library on the command line.
+//
+//   kestrix convert --from datum:1 --to grid:1 59.3 18.07
+//   echo "6576000 674000" | kestrix convert --from grid:1 --from-zone 33 --to "WGS 84"
+//   kestrix convert --list
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tools/kestrix/Catalogue.h"
+#include "tools/kestrix/Converter.h"
+
+namespace {
+
+struct ConvertOptions {
+  std::string from, to;
+  short fromZone = 0, toZone = 0;
+  bool list = false;
+  std::vector<std::string> coordinates;
+};
+
+// Exit codes: 0 all converted, 1 a line could not be converted, 2 a refused datum,
+// grid or zone.
+int Convert(const ConvertOptions& options) {
+  if (options.list) {
+    std::fputs(kestrix::Catalogue::List().c_str(), stdout);
+    return 0;
+  }
+  const auto from = kestrix::Catalogue::Find(options.from);
+  const auto to = kestrix::Catalogue::Find(options.to);
+  if (!from || !to) {
+    const bool gridName = (!from ? options.from : options.to).rfind("grid:", 0) == 0;
+    std::fprintf(stderr, "%s\n", gridName ? "Unknown grid!" : "Unknown datum!");
+    return 2;
+  }
+  kestrix::Converter converter({*from, options.fromZone}, {*to, options.toZone});
+  const std::string refusal = converter.Check();
+  if (!refusal.empty()) {
+    std::fprintf(stderr, "%s\n", refusal.c_str());
+    return 2;
+  }
+  int status = 0;
+  auto one = [&](const std::string& line) {
+    bool ok = false;
+    const std::string result = converter.Convert(line, ok);
+    std::fprintf(ok ? stdout : stderr, "%s\n", result.c_str());
+    if (!ok) status = 1;
+  };
+  if (!options.coordinates.empty()) {
+    std::string line;
+    for (const std::string& part : options.coordinates) line += part + " ";
+    one(line);
+    return status;
+  }
+  std::string line;
+  while (std::getline(std::cin, line))
+    if (line.find_first_not_of(" \t\r") != std::string::npos) one(line);
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"KestrixCE on the command line"};
+  app.require_subcommand(1);
+  ConvertOptions options;
+  CLI::App* convert = app.add_subcommand(
+      "convert",
+      "Convert coordinates between datums and grids, one line each (arguments or stdin). "
+      "A datum side reads \"lat lon [h]\" in degrees or \"59 18'7.25 N 18 4'15.5 E [h]\"; "
+      "a grid side reads \"easting northing\".");
+  convert->add_option("--from", options.from, "datum:N, grid:N or a name from --list");
+  convert->add_option("--to", options.to, "datum:N, grid:N or a name from --list");
+  convert->add_option("--zone", options.toZone, "the zone of the --to grid");
+  convert->add_option("--from-zone", options.fromZone, "the zone of the --from grid");
+  convert->add_flag("--list", options.list, "print the datums and grids");
+  convert->add_option("coordinates", options.coordinates, "one point; else lines on stdin");
+  CLI11_PARSE(app, argc, argv);
+  if (!options.list && (options.from.empty() || options.to.empty())) {
+    std::fprintf(stderr, "convert needs --from and --to (or --list)\n");
+    return 2;
+  }
+  return Convert(options);
+}
