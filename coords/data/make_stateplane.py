@@ -20,6 +20,9 @@ def write(csv_name, inc_name):
         for r in rows:
             fields = [r["key"], r["datum"], r["alg"], r["false_easting"], r["false_northing"],
                       r["lon0"], r["lat0"], r["scale"], r["sp1"], r["sp2"]]
+            note = r["note"].strip()
+            if note and note != "reference row checked":
+                out.write(f"// {r['key']}: {note}\n")
             out.write(f"STATE_PLANE({', '.join(fields)})\n")
 
 
