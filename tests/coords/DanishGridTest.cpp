@@ -4,56 +4,37 @@
 #include <cmath>
 
 #include "KestrixCE.h"
-#include "support/ApiText.h"
+#include "support/Positions.h"
 
 using kxtest::Failure;
 
 namespace {
 
-struct Place {
-  short grid, zone;
-  double latitude, longitude;
-  double tolerance = 1e-8;  // degrees
-};
-
-KxPosition At(const Place& place) {
-  KxPosition p = Position_New();
-  Position_SetDatum(p, 27);
-  Position_SetGrid(p, place.grid);
-  if (place.zone) Position_SetZone(p, place.zone);
-  Position_SetLatitudeDecDeg(p, &place.latitude);
-  Position_SetLongitudeDecDeg(p, &place.longitude);
-  return p;
+KxPosition At(short grid, short zone, double latitude, double longitude) {
+  return kxtest::Make({latitude, longitude, 27, grid, zone});
 }
 
 TEST(DanishGrids, EachSystemConvertsAndComesBack) {
   // Bornholm lies 6 degrees east of tc32's central meridian, where the TM series comes
   // back only within some centimetres.
-  const Place places[] = {{48, 1, 56.2, 9.5}, {48, 2, 55.5, 11.8}, {49, 0, 55.12, 14.9, 1e-6}};
-  for (const Place& place : places) {
-    KxPosition p = At(place);
-    double e = 0, n = 0;
-    Position_GetEasting(p, &e);
-    Position_GetNorthing(p, &n);
+  const struct {
+    short grid, zone;
+    double latitude, longitude, tolerance;
+  } places[] = {{48, 1, 56.2, 9.5, 1e-8}, {48, 2, 55.5, 11.8, 1e-8}, {49, 0, 55.12, 14.9, 1e-6}};
+  for (const auto& place : places) {
+    KxPosition p = At(place.grid, place.zone, place.latitude, place.longitude);
+    const kxtest::GridValues g = kxtest::ReadGrid(p);
     ASSERT_EQ(Failure(Position_GetErrHandle(p)), "0") << place.grid << "/" << place.zone;
-    KxPosition back = Position_New();
-    Position_SetDatum(back, 27);
-    Position_MakeSameGrid(back, p);
-    Position_SetEasting(back, &e);
-    Position_SetNorthing(back, &n);
-    double lat = 0, lon = 0;
-    Position_GetLatitudeDecDeg(back, &lat);
-    Position_GetLongitudeDecDeg(back, &lon);
-    ASSERT_EQ(Failure(Position_GetErrHandle(back)), "0");
-    EXPECT_NEAR(lat, place.latitude, place.tolerance);
-    EXPECT_NEAR(lon, place.longitude, place.tolerance);
+    const kxtest::Back back = kxtest::FromGrid(p, g);
+    ASSERT_EQ(back.failure, "0");
+    EXPECT_NEAR(back.latitude, place.latitude, place.tolerance);
+    EXPECT_NEAR(back.longitude, place.longitude, place.tolerance);
     Position_Delete(p);
-    Position_Delete(back);
   }
 }
 
 TEST(DanishGrids, BornholmIsOutsideSystem34) {
-  KxPosition p = At({48, 0, 55.12, 14.9, 0});
+  KxPosition p = At(48, 0, 55.12, 14.9);
   double e = 0;
   Position_GetEasting(p, &e);
   EXPECT_EQ(Failure(Position_GetErrHandle(p)), "10003 Position outside grid");
@@ -69,7 +50,7 @@ TEST(DanishGrids, BornholmIsOutsideSystem34) {
 }
 
 TEST(DanishGrids, System45IgnoresZonesAndSystem34TakesOneOrTwo) {
-  KxPosition p = At({49, 0, 55.12, 14.9, 0});
+  KxPosition p = At(49, 0, 55.12, 14.9);
   Position_SetZone(p, 2);
   EXPECT_EQ(Failure(Position_GetErrHandle(p)), "0");
   BSTR zone = nullptr;

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "KestrixCE.h"
-#include "support/ApiText.h"
+#include "support/Positions.h"
 
 using kxtest::Failure;
 
@@ -14,11 +14,7 @@ constexpr double kPi = 3.141592653589793;
 constexpr double kRadius = 6366710.0;
 
 KxPosition At(double latitude, double longitude, short datum = 1) {
-  KxPosition p = Position_New();
-  Position_SetDatum(p, datum);
-  Position_SetLatitudeDecDeg(p, &latitude);
-  Position_SetLongitudeDecDeg(p, &longitude);
-  return p;
+  return kxtest::Make({latitude, longitude, datum});
 }
 
 KxPosition InGrid(double easting, double northing) {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "KestrixCE.h"
-#include "support/ApiText.h"
+#include "support/Positions.h"
 
 namespace {
 
@@ -37,26 +37,15 @@ std::vector<Vector> ReadVectors() {
   return vectors;
 }
 
-KxPosition InGrid(const Vector& v) {
-  KxPosition p = Position_New();
-  Position_SetGrid(p, v.grid);
-  if (v.zone) Position_SetZone(p, v.zone);
-  return p;
-}
-
 TEST(GridOracle, ForwardAgreesWithCs2cs) {
   const std::vector<Vector> vectors = ReadVectors();
   ASSERT_GT(vectors.size(), 3000u);
   std::map<int, double> worst;  // by grid, millimetres
   for (const Vector& v : vectors) {
-    KxPosition p = InGrid(v);
-    Position_SetLatitudeDecDeg(p, &v.latitude);
-    Position_SetLongitudeDecDeg(p, &v.longitude);
-    double e = 0, n = 0;
-    Position_GetEasting(p, &e);
-    Position_GetNorthing(p, &n);
+    KxPosition p = kxtest::Make({v.latitude, v.longitude, 1, v.grid, v.zone});
+    const kxtest::GridValues g = kxtest::ReadGrid(p);
     ASSERT_EQ(kxtest::Failure(Position_GetErrHandle(p)), "0") << v.grid << "/" << v.zone;
-    const double mm = std::hypot(e - v.easting, n - v.northing) * 1000;
+    const double mm = std::hypot(g.easting - v.easting, g.northing - v.northing) * 1000;
     EXPECT_LE(mm, v.toleranceMm) << "grid " << v.grid << " zone " << v.zone << " at " << v.latitude
                                  << "," << v.longitude;
     worst[v.grid] = std::max(worst[v.grid], mm);
@@ -73,35 +62,19 @@ TEST(GridOracle, ForwardAgreesWithCs2cs) {
 TEST(GridOracle, RoundTripInTheGridsDatum) {
   std::map<int, double> worst;  // by grid, degrees
   for (const Vector& v : ReadVectors()) {
-    KxPosition there = InGrid(v);
-    Position_SetDatum(there, v.datum);
-    Position_SetLatitudeDecDeg(there, &v.latitude);
-    Position_SetLongitudeDecDeg(there, &v.longitude);
-    double e = 0, n = 0, lat = 0, lon = 0;
-    Position_GetEasting(there, &e);
-    Position_GetNorthing(there, &n);
-    KxPosition back = InGrid(v);
-    Position_SetDatum(back, v.datum);
-    Position_MakeSameGrid(back, there);
-    Position_SetEasting(back, &e);
-    Position_SetNorthing(back, &n);
-    Position_GetLatitudeDecDeg(back, &lat);
-    Position_GetLongitudeDecDeg(back, &lon);
-    ASSERT_EQ(kxtest::Failure(Position_GetErrHandle(back)), "0") << v.grid << "/" << v.zone;
-    const double degrees = std::max(std::fabs(lat - v.latitude), std::fabs(lon - v.longitude));
+    KxPosition there = kxtest::Make({v.latitude, v.longitude, v.datum, v.grid, v.zone});
+    const kxtest::Back back = kxtest::FromGrid(there, kxtest::ReadGrid(there));
+    Position_Delete(there);
+    ASSERT_EQ(back.failure, "0") << v.grid << "/" << v.zone;
+    const double degrees =
+        std::max(std::fabs(back.latitude - v.latitude), std::fabs(back.longitude - v.longitude));
     EXPECT_LE(degrees, v.toleranceMm >= 1 ? 1e-7 : 1e-9)
         << "grid " << v.grid << " zone " << v.zone << " at " << v.latitude << "," << v.longitude;
     worst[v.grid] = std::max(worst[v.grid], degrees);
-    Position_Delete(there);
-    Position_Delete(back);
   }
   for (const auto& [grid, degrees] : worst)
     std::printf("grid %2d: round trip within %.1e degrees\n", grid, degrees);
 }
-
-}  // namespace
-
-namespace {
 
 // Far from the central meridian (a forced zone 6 to 12 degrees away) PROJ's TM is
 // another function; oracle/tm_series.py evaluates the same series independently.
@@ -115,16 +88,10 @@ TEST(GridOracle, TransverseMercatorFarOffItsMeridianFollowsTheSeries) {
     short zone = 0;
     double lat = 0, lon = 0, easting = 0, northing = 0;
     in >> zone >> lat >> lon >> easting >> northing;
-    KxPosition p = Position_New();
-    Position_SetGrid(p, 1);
-    Position_SetZone(p, zone);
-    Position_SetLatitudeDecDeg(p, &lat);
-    Position_SetLongitudeDecDeg(p, &lon);
-    double e = 0, n = 0;
-    Position_GetEasting(p, &e);
-    Position_GetNorthing(p, &n);
-    EXPECT_NEAR(e, easting, 1e-5) << zone << " " << lat << "," << lon;
-    EXPECT_NEAR(n, northing, 1e-5) << zone << " " << lat << "," << lon;
+    KxPosition p = kxtest::Make({lat, lon, 1, 1, zone});
+    const kxtest::GridValues g = kxtest::ReadGrid(p);
+    EXPECT_NEAR(g.easting, easting, 1e-5) << zone << " " << lat << "," << lon;
+    EXPECT_NEAR(g.northing, northing, 1e-5) << zone << " " << lat << "," << lon;
     Position_Delete(p);
     ++count;
   }

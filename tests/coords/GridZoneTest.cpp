@@ -5,7 +5,7 @@
 #include <string>
 
 #include "KestrixCE.h"
-#include "support/ApiText.h"
+#include "support/Positions.h"
 
 using kxtest::Failure;
 using kxtest::Take;
@@ -14,28 +14,14 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 
-struct Grid {
-  double easting = 0, northing = 0;
-  std::string zone;
-};
+using kxtest::FromGrid;
+using kxtest::Make;
+using Grid = kxtest::GridValues;
 
-Grid Read(KxPosition p) {
-  Grid g;
-  Position_GetEasting(p, &g.easting);
-  Position_GetNorthing(p, &g.northing);
-  BSTR text = nullptr;
-  Position_GetZone(p, &text);
-  g.zone = Take(text);
-  return g;
-}
+Grid Read(KxPosition p) { return kxtest::ReadGrid(p); }
 
 KxPosition At(double latitude, double longitude, short grid, short datum = 1) {
-  KxPosition p = Position_New();
-  Position_SetDatum(p, datum);
-  Position_SetGrid(p, grid);
-  Position_SetLatitudeDecDeg(p, &latitude);
-  Position_SetLongitudeDecDeg(p, &longitude);
-  return p;
+  return Make({latitude, longitude, datum, grid});
 }
 
 TEST(UtmZones, TheZoneFollowsTheLongitude) {
@@ -79,16 +65,8 @@ TEST(GaussKrueger, ZoneKHasItsCentralMeridianAt3K) {
   const Grid g = Read(p);
   EXPECT_EQ(g.zone, "3");
   EXPECT_GT(g.easting, 500000);  // east of 9 degrees
-  KxPosition back = Position_New();
-  Position_SetDatum(back, 18);
-  Position_MakeSameGrid(back, p);
-  Position_SetEasting(back, &g.easting);
-  Position_SetNorthing(back, &g.northing);
-  double lon = 0;
-  Position_GetLongitudeDecDeg(back, &lon);
-  EXPECT_NEAR(lon, 10.5, 1e-9);
+  EXPECT_NEAR(FromGrid(p, g).longitude, 10.5, 1e-9);
   Position_Delete(p);
-  Position_Delete(back);
 }
 
 TEST(ProjectionFrame, TheDutchGridAtItsOriginGivesItsFalseOrigin) {
@@ -123,15 +101,8 @@ TEST(ProjectionFrame, NoShiftWithinTheNad27Family) {
   const Grid a = Read(on22), b = Read(on21);
   EXPECT_EQ(a.easting, b.easting);
   EXPECT_EQ(a.northing, b.northing);
-  KxPosition back = Position_New();
-  Position_SetDatum(back, 22);
-  Position_MakeSameGrid(back, on22);
-  Position_SetEasting(back, &a.easting);
-  Position_SetNorthing(back, &a.northing);
-  double lat = 0;
-  Position_GetLatitudeDecDeg(back, &lat);
-  EXPECT_NEAR(lat, 32, 1e-8);
-  for (KxPosition x : {on22, on21, back}) Position_Delete(x);
+  EXPECT_NEAR(FromGrid(on22, a).latitude, 32, 1e-8);
+  for (KxPosition x : {on22, on21}) Position_Delete(x);
 }
 
 TEST(ProjectionFrame, AlgorithmsOneAndThreeAreOneTransverseMercator) {
@@ -161,22 +132,13 @@ TEST(ProjectionFrame, AlgorithmsOneAndThreeAreOneTransverseMercator) {
 // stands for it.
 TEST(StatePlane, AlaskaZoneOneRoundTrips) {
   for (short grid : {30, 31}) {
-    KxPosition p = At(57.5, -134.5, grid, grid == 30 ? 20 : 19);
-    Position_SetZone(p, 5001);
+    KxPosition p = Make({57.5, -134.5, short(grid == 30 ? 20 : 19), grid, 5001});
     const Grid g = Read(p);
     ASSERT_EQ(Failure(Position_GetErrHandle(p)), "0");
-    KxPosition back = Position_New();
-    Position_SetDatum(back, grid == 30 ? 20 : 19);
-    Position_MakeSameGrid(back, p);
-    Position_SetEasting(back, &g.easting);
-    Position_SetNorthing(back, &g.northing);
-    double lat = 0, lon = 0;
-    Position_GetLatitudeDecDeg(back, &lat);
-    Position_GetLongitudeDecDeg(back, &lon);
-    EXPECT_NEAR(lat, 57.5, 1e-9);
-    EXPECT_NEAR(lon, -134.5, 1e-9);
+    const kxtest::Back back = FromGrid(p, g);
+    EXPECT_NEAR(back.latitude, 57.5, 1e-9);
+    EXPECT_NEAR(back.longitude, -134.5, 1e-9);
     Position_Delete(p);
-    Position_Delete(back);
   }
 }
 
