@@ -40,6 +40,7 @@ typedef struct KxErrorRecord_* KxError;
 typedef struct KxPosition_* KxPosition;
 typedef struct KxCustomDatum_* KxCustomDatum;
 typedef struct KxCustomGrid_* KxCustomGrid;
+typedef struct KxNmeaSentence_* KxNmeaSentence;
 
 /* ---- errors ----------------------------------------------------------------------- */
 /* Classes of failure. A failing system call reports its own last-error value instead. */
@@ -178,6 +179,24 @@ KX_API short CustomGrid_GetDatum(KxCustomGrid grid);
 KX_API void CustomGrid_SetDatum(KxCustomGrid grid, short datum);
 KX_API KxCustomDatum CustomGrid_GetCustomDatum(KxCustomGrid grid);
 KX_API void CustomGrid_SetCustomDatum(KxCustomGrid grid, KxCustomDatum datum);
+
+/* ---- NmeaSentence: one NMEA 0183 sentence as text and as fields -------------------- */
+KX_API KxNmeaSentence NmeaSentence_New(void);
+KX_API void NmeaSentence_Delete(KxNmeaSentence sentence);
+KX_API KxError NmeaSentence_GetErrHandle(KxNmeaSentence sentence);
+/* the whole text, "$" to the checksum; shorter than 6 characters empties the sentence */
+KX_API void NmeaSentence_SetSentence(KxNmeaSentence sentence, const WCHAR* text);
+/* rebuilt with a fresh checksum after a field or the command changed */
+KX_API void NmeaSentence_GetSentence(KxNmeaSentence sentence, BSTR* text);
+KX_API short NmeaSentence_GetFieldCount(KxNmeaSentence sentence);
+/* field index from 1; an empty text beyond the field count */
+KX_API void NmeaSentence_Fields(KxNmeaSentence sentence, short index, BSTR* text);
+KX_API void NmeaSentence_SetField(KxNmeaSentence sentence, short index, const WCHAR* text);
+KX_API void NmeaSentence_GetCommand(KxNmeaSentence sentence, BSTR* text);
+KX_API void NmeaSentence_GetFullCommand(KxNmeaSentence sentence, BSTR* text);
+/* both take a three-letter ("GGA") or a five-letter ("GPGGA") command */
+KX_API void NmeaSentence_SetCommand(KxNmeaSentence sentence, const WCHAR* command);
+KX_API void NmeaSentence_SetFullCommand(KxNmeaSentence sentence, const WCHAR* command);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,177 @@
+#include "gps/NmeaSentence.h"
+
+#include <algorithm>
+#include <string>
+
+#include "frame/ErrorNumbers.h"
+#include "frame/Ref.h"
+
+namespace kx {
+
+namespace {
+
+constexpr const char* kNullCommand = "Null command not allowed";
+constexpr const char* kCommandLength = "Command must be 3 or 5 characters long";
+constexpr int32_t kShortestSentence = 6;
+// The rebuilt text holds at most this many characters; a full one goes without checksum.
+constexpr size_t kTextLimit = 255;
+
+struct TypeName {
+  const char* name;
+  int32_t type;
+};
+constexpr TypeName kTypes[] = {{"RMC", NmeaSentence::kRMC}, {"GLL", NmeaSentence::kGLL},
+                               {"GGA", NmeaSentence::kGGA}, {"GSV", NmeaSentence::kGSV},
+                               {"GSA", NmeaSentence::kGSA}, {"VTG", NmeaSentence::kVTG}};
+
+String* Shared(String* text) {
+  if (text) text->AddRef();
+  return text;
+}
+
+// Appends what fits within the limit.
+void Append(std::string& text, const char* bytes, size_t length) {
+  if (text.size() >= kTextLimit) return;
+  text.append(bytes, std::min(length, kTextLimit - text.size()));
+}
+
+}  // namespace
+
+NmeaSentence::~NmeaSentence() { Close(); }
+
+void NmeaSentence::Close() {
+  ReleaseObject(m_text);
+  ReleaseObject(m_command);
+  ReleaseObject(m_fullCommand);
+  m_fields.RemoveAll();
+  m_fieldCount = 0;
+  m_dirty = 0;
+  m_parsed = 1;
+}
+
+void NmeaSentence::SetSentence(const String* text) {
+  Close();
+  if (!text || text->GetLength() < kShortestSentence) return;
+  m_text = Shared(const_cast<String*>(text));
+  m_command = text->Mid(3, 3);
+  m_fullCommand = text->Mid(1, 5);
+  const char* bytes = text->GetText();
+  for (int32_t i = 0; i < text->GetLength(); ++i)
+    if (bytes[i] == ',') ++m_fieldCount;
+  m_parsed = 0;
+}
+
+// Each field begins behind a comma and ends before the next ",", "*" or the end; empty
+// fields are kept as empty Strings.
+void NmeaSentence::ParseFields() {
+  if (m_parsed) return;
+  m_parsed = 1;
+  const char* bytes = m_text->GetText();
+  const int32_t length = m_text->GetLength();
+  int32_t at = 0;
+  for (int32_t number = 1; number <= m_fieldCount; ++number) {
+    while (at < length && bytes[at] != ',') ++at;
+    const int32_t begin = ++at;
+    while (at < length && bytes[at] != ',' && bytes[at] != '*') ++at;
+    StoreField(number, begin < length ? new String(bytes + begin, at - begin) : new String());
+  }
+}
+
+// Takes over the caller's reference.
+void NmeaSentence::StoreField(int32_t index, String* field) {
+  Ref<String> owned(field);
+  owned->SetID(index);
+  m_fields.Add(owned.get());
+}
+
+String* NmeaSentence::GetField(int32_t index) {
+  ParseFields();
+  if (String* field = static_cast<String*>(m_fields.FindByID(index))) return field;
+  return index <= m_fieldCount ? new String() : nullptr;
+}
+
+void NmeaSentence::SetField(int32_t index, const String* value) {
+  ParseFields();
+  m_fields.RemoveByID(index);
+  StoreField(index, new String(value));
+  if (index > m_fieldCount) m_fieldCount = index;
+  m_dirty = 1;
+}
+
+void NmeaSentence::SetField(int32_t index, const char* text) {
+  SetField(index, Ref<String>(new String(text)).get());
+}
+
+void NmeaSentence::SetField(int32_t index, int32_t value) {
+  SetField(index, Ref<String>(new String(value)).get());
+}
+
+void NmeaSentence::SetField(int32_t index, double value, int32_t decimals) {
+  SetField(index, Ref<String>(new String(value, decimals)).get());
+}
+
+void NmeaSentence::SetCommand(const String* command) {
+  ClearError();
+  ParseFields();
+  if (!command) {
+    SetError(kErrInvalidArgument, kNullCommand);
+    return;
+  }
+  if (command->GetLength() == 3) {
+    ReleaseObject(m_command);
+    ReleaseObject(m_fullCommand);
+    m_command = new String(command);
+    m_fullCommand = new String("GP", command->GetText());
+  } else if (command->GetLength() == 5) {
+    ReleaseObject(m_command);
+    ReleaseObject(m_fullCommand);
+    m_fullCommand = new String(command);
+    m_command = command->Mid(2, 3);
+  } else {
+    SetError(kErrInvalidArgument, kCommandLength);
+    return;
+  }
+  m_dirty = 1;
+}
+
+String* NmeaSentence::GetCommand() const { return Shared(m_command); }
+
+String* NmeaSentence::GetFullCommand() const { return Shared(m_fullCommand); }
+
+int32_t NmeaSentence::GetType() const {
+  if (!m_command) return kNone;
+  for (const TypeName& t : kTypes)
+    if (m_command->EqualsAt(t.name, 0, 0)) return t.type;
+  return kNone;
+}
+
+String* NmeaSentence::GetSentence() {
+  if (m_dirty) BuildText();
+  return Shared(m_text);
+}
+
+// "$", the full command, "," and each field, then "*hh" with the exclusive or of
+// everything behind the "$", when it still fits.
+void NmeaSentence::BuildText() {
+  ParseFields();
+  std::string text = "$";
+  if (m_fullCommand && m_fullCommand->GetLength() > 0)
+    Append(text, m_fullCommand->GetText(), size_t(m_fullCommand->GetLength()));
+  for (int32_t number = 1; number <= m_fieldCount; ++number) {
+    Append(text, ",", 1);
+    Ref<String> field(GetField(number));
+    if (field->GetLength() > 0) Append(text, field->GetText(), size_t(field->GetLength()));
+  }
+  uint8_t checksum = 0;
+  for (size_t i = 1; i < text.size(); ++i) checksum ^= uint8_t(text[i]);
+  if (text.size() + 2 < kTextLimit) {
+    static const char kHex[] = "0123456789ABCDEF";
+    const char tail[3] = {'*', kHex[checksum >> 4], kHex[checksum & 15]};
+    text.append(tail, 3);
+  }
+  ReleaseObject(m_text);
+  m_text = new String(text.c_str(), int32_t(text.size()));
+  m_dirty = 0;
+}
+
+}  // namespace kx

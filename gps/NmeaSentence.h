@@ -1,0 +1,55 @@
+// One NMEA 0183 sentence, held as text and as numbered fields, convertible both ways.
+// Fields are parsed from the text on first use; the text is rebuilt, with a fresh
+// checksum, after a field or the command has changed.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/BaseObject.h"
+#include "frame/ObjectList.h"
+#include "frame/String.h"
+
+namespace kx {
+
+class NmeaSentence : public BaseObject {
+ public:
+  enum Type : int32_t { kNone = 0, kRMC = 1, kGLL = 2, kGGA = 3, kGSV = 4, kGSA = 5, kVTG = 6 };
+
+  NmeaSentence() = default;
+  ~NmeaSentence() override;
+
+  // Replaces everything; a null text or one shorter than 6 characters leaves the
+  // sentence empty. Checksums aren't tested here.
+  void SetSentence(const String* text);
+  // The text, rebuilt first when a field or the command changed; null when there is none.
+  String* GetSentence();
+  int32_t GetFieldCount() const { return m_fieldCount; }
+  // Field `index` from 1, with a reference; an empty String for a missing field up to the
+  // field count (so for 0 and below too), null above it.
+  String* GetField(int32_t index);
+  void SetField(int32_t index, const String* value);
+  void SetField(int32_t index, const char* text);
+  void SetField(int32_t index, int32_t value);
+  void SetField(int32_t index, double value, int32_t decimals);
+  // Three letters ("GGA") or five ("GPGGA"); the other form follows.
+  void SetCommand(const String* command);
+  String* GetCommand() const;
+  String* GetFullCommand() const;
+  int32_t GetType() const;
+  void Close() override;
+
+ private:
+  void ParseFields();
+  void StoreField(int32_t index, String* field);
+  void BuildText();
+
+  String* m_text = nullptr;
+  ObjectList m_fields;
+  int32_t m_fieldCount = 0;
+  uint8_t m_dirty = 0;
+  String* m_command = nullptr;
+  String* m_fullCommand = nullptr;
+  uint8_t m_parsed = 1;
+};
+
+}  // namespace kx
