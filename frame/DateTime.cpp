@@ -35,8 +35,11 @@ void DateTime::ParseTime(const String* time) {
   m_millisecond = static_cast<int32_t>(rest * 1000 + 0.000005);
 }
 
+// A sentence too short to have the field leaves the date at 0; an empty field is
+// day 0, month 0 of 2000.
 void DateTime::ParseDate(const String* date) {
-  const int32_t d = date ? date->ToInt() : 0;
+  if (!date) return;
+  const int32_t d = date->ToInt();
   m_day = d / 10000;
   m_month = (d / 100) % 100;
   const int32_t year = d % 100;

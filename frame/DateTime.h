@@ -15,7 +15,8 @@ class DateTime : public BaseObject {
            int32_t millisecond);
   // "hhmmss.sss" of a sentence: the time of day, date members 0.
   explicit DateTime(const String* time);
-  // "ddmmyy" and "hhmmss.sss": years 80 to 99 are 1980 to 1999, the others 2000 on.
+  // "ddmmyy" and "hhmmss.sss": years 80 to 99 are 1980 to 1999, the others 2000 on. A
+  // null date leaves the date members 0.
   DateTime(const String* date, const String* time);
 
   static DateTime* NowUtc();
