@@ -41,6 +41,12 @@ typedef struct KxPosition_* KxPosition;
 typedef struct KxCustomDatum_* KxCustomDatum;
 typedef struct KxCustomGrid_* KxCustomGrid;
 typedef struct KxNmeaSentence_* KxNmeaSentence;
+typedef struct KxGpsFix_* KxGpsFix;
+typedef struct KxMovement_* KxMovement;
+typedef struct KxQuality_* KxQuality;
+typedef struct KxSatellite_* KxSatellite;
+typedef struct KxSatellites_* KxSatellites;
+typedef struct KxComStatus_* KxComStatus;
 
 /* ---- errors ----------------------------------------------------------------------- */
 /* Classes of failure. A failing system call reports its own last-error value instead. */
@@ -197,6 +203,56 @@ KX_API void NmeaSentence_GetFullCommand(KxNmeaSentence sentence, BSTR* text);
 /* both take a three-letter ("GGA") or a five-letter ("GPGGA") command */
 KX_API void NmeaSentence_SetCommand(KxNmeaSentence sentence, const WCHAR* command);
 KX_API void NmeaSentence_SetFullCommand(KxNmeaSentence sentence, const WCHAR* command);
+
+/* ---- GPS snapshots: made by the parser, never changed after; no Family_New ---------- */
+KX_API void GpsFix_Delete(KxGpsFix fix);
+KX_API KxError GpsFix_GetErrHandle(KxGpsFix fix);
+/* 0 no fix, 2 two-dimensional, 3 three-dimensional */
+KX_API int GpsFix_GetFixType(KxGpsFix fix);
+/* a new copy of the fix's position, the caller's to change and delete; 0 if none */
+KX_API KxPosition GpsFix_GetPosition(KxGpsFix fix);
+KX_API short GpsFix_GetYear(KxGpsFix fix);
+KX_API short GpsFix_GetMonth(KxGpsFix fix);
+KX_API short GpsFix_GetDay(KxGpsFix fix);
+KX_API short GpsFix_GetHour(KxGpsFix fix);
+KX_API short GpsFix_GetMinute(KxGpsFix fix);
+KX_API short GpsFix_GetSecond(KxGpsFix fix);
+KX_API short GpsFix_GetMilliSecond(KxGpsFix fix);
+
+KX_API void Movement_Delete(KxMovement movement);
+KX_API KxError Movement_GetErrHandle(KxMovement movement);
+/* unit 0 knots, 1 metres per second, 2 kilometres per hour, 3 miles per hour */
+KX_API void Movement_GetSpeed(KxMovement movement, short unit, double* value);
+KX_API void Movement_GetHeading(KxMovement movement, double* degrees);
+KX_API void Movement_GetMagneticVariation(KxMovement movement, double* degrees);
+
+KX_API void Quality_Delete(KxQuality quality);
+KX_API KxError Quality_GetErrHandle(KxQuality quality);
+KX_API void Quality_GetHDOP(KxQuality quality, double* value);
+KX_API void Quality_GetVDOP(KxQuality quality, double* value);
+KX_API void Quality_GetPDOP(KxQuality quality, double* value);
+
+KX_API void Satellite_Delete(KxSatellite satellite);
+KX_API KxError Satellite_GetErrHandle(KxSatellite satellite);
+KX_API short Satellite_GetID(KxSatellite satellite);
+KX_API short Satellite_GetElevation(KxSatellite satellite);
+KX_API short Satellite_GetAzimuth(KxSatellite satellite);
+KX_API short Satellite_GetSNR(KxSatellite satellite);
+KX_API KxBool Satellite_GetUsedForFix(KxSatellite satellite);
+
+KX_API void Satellites_Delete(KxSatellites satellites);
+KX_API KxError Satellites_GetErrHandle(KxSatellites satellites);
+KX_API short Satellites_GetCount(KxSatellites satellites);
+/* position from 1; a new reference for the caller */
+KX_API KxSatellite Satellites_Item(KxSatellites satellites, short position);
+
+KX_API void ComStatus_Delete(KxComStatus status);
+KX_API KxError ComStatus_GetErrHandle(KxComStatus status);
+KX_API KxBool ComStatus_GetValidNmea(KxComStatus status);
+KX_API KxBool ComStatus_GetValidFix(KxComStatus status);
+/* -1 when the data comes over the multiplexer link */
+KX_API short ComStatus_GetComPort(KxComStatus status);
+KX_API int ComStatus_GetBaudRate(KxComStatus status);
 
 #ifdef __cplusplus
 }
