@@ -35,6 +35,73 @@ KX_API BSTR SysAllocStringLen(const WCHAR* source, unsigned int length);
 KX_API void SysFreeString(BSTR text);
 KX_API unsigned int SysStringLen(BSTR text);
 
+/* ---- windows and messages ---------------------------------------------------------- */
+/* Events reach an application's window as messages, as on the device: a Linux
+ * application makes its callback window with these and pumps its thread's queue with
+ * GetMessageW and DispatchMessageW. Within one process; a posted message arrives, in
+ * order, on the thread that made the window. */
+#include <stdint.h>
+typedef struct KxWindow_* HWND;
+typedef struct KxInstance_* HINSTANCE;
+typedef HINSTANCE HMODULE;
+typedef struct KxMenu_* HMENU;
+typedef struct KxIcon_* HICON;
+typedef struct KxCursor_* HCURSOR;
+typedef struct KxBrushHandle_* HBRUSH;
+typedef uintptr_t WPARAM;
+typedef intptr_t LPARAM;
+typedef intptr_t LRESULT;
+typedef uintptr_t UINT_PTR;
+typedef LRESULT (*WNDPROC)(HWND window, unsigned int message, WPARAM wParam, LPARAM lParam);
+typedef void (*TIMERPROC)(HWND window, unsigned int message, UINT_PTR id, uint32_t time);
+typedef struct tagPOINT {
+  int32_t x, y;
+} POINT;
+typedef struct tagMSG {
+  HWND hwnd;
+  unsigned int message;
+  WPARAM wParam;
+  LPARAM lParam;
+  uint32_t time;
+  POINT pt;
+} MSG;
+typedef struct tagWNDCLASSW {
+  unsigned int style;
+  WNDPROC lpfnWndProc;
+  int cbClsExtra;
+  int cbWndExtra;
+  HINSTANCE hInstance;
+  HICON hIcon;
+  HCURSOR hCursor;
+  HBRUSH hbrBackground;
+  const WCHAR* lpszMenuName;
+  const WCHAR* lpszClassName;
+} WNDCLASSW;
+
+#define WM_QUIT 0x0012
+#define WM_TIMER 0x0113
+#define WM_USER 0x0400
+#define PM_NOREMOVE 0x0000
+#define PM_REMOVE 0x0001
+
+KX_API unsigned short RegisterClassW(const WNDCLASSW* windowClass);
+KX_API HWND CreateWindowExW(uint32_t exStyle, const WCHAR* className, const WCHAR* windowName,
+                            uint32_t style, int x, int y, int width, int height, HWND parent,
+                            HMENU menu, HINSTANCE instance, void* parameter);
+KX_API int DestroyWindow(HWND window);
+KX_API int PostMessageW(HWND window, unsigned int message, WPARAM wParam, LPARAM lParam);
+KX_API LRESULT SendMessageW(HWND window, unsigned int message, WPARAM wParam, LPARAM lParam);
+/* 0 on WM_QUIT, -1 on an error, else 1 */
+KX_API int GetMessageW(MSG* message, HWND window, unsigned int first, unsigned int last);
+KX_API int PeekMessageW(MSG* message, HWND window, unsigned int first, unsigned int last,
+                        unsigned int remove);
+KX_API LRESULT DispatchMessageW(const MSG* message);
+KX_API LRESULT DefWindowProcW(HWND window, unsigned int message, WPARAM wParam, LPARAM lParam);
+KX_API void PostQuitMessage(int exitCode);
+KX_API UINT_PTR SetTimer(HWND window, UINT_PTR id, unsigned int elapse, TIMERPROC function);
+KX_API int KillTimer(HWND window, UINT_PTR id);
+KX_API HMODULE GetModuleHandleW(const WCHAR* moduleName);
+
 /* ---- handles ---------------------------------------------------------------------- */
 typedef struct KxErrorRecord_* KxError;
 typedef struct KxPosition_* KxPosition;

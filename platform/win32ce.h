@@ -42,6 +42,9 @@ constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_TIMEOUT = 1460;
+constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
+constexpr DWORD ERROR_CANNOT_FIND_WND_CLASS = 1407;
+constexpr DWORD ERROR_CLASS_ALREADY_EXISTS = 1410;
 
 // ---- critical sections and interlocked counts ----------------------------------------
 // Recursive, like the real thing. The implementation lives behind one pointer.
@@ -107,11 +110,8 @@ DWORD GetTickCount();
 void GetSystemTime(SYSTEMTIME* time);
 BOOL SystemTimeToFileTime(const SYSTEMTIME* time, FILETIME* fileTime);
 
-// ---- BSTR -----------------------------------------------------------------------------
-// Length-prefixed wide text: a 32-bit byte count stands in front of the characters, and
-// a wide NUL follows them. A null source allocates uninitialised characters.
-extern "C" {
-WINAPI_EXPORT BSTR SysAllocStringLen(const WCHAR* source, UINT length);
-WINAPI_EXPORT void SysFreeString(BSTR text);
-WINAPI_EXPORT UINT SysStringLen(BSTR text);
-}
+// ---- BSTR, windows and messages --------------------------------------------------------
+// What an application calls as well is declared once, in the public header: the BSTR
+// functions (length-prefixed wide text, a 32-bit byte count in front of the characters
+// and a wide NUL behind them) and the windows and their message queues.
+#include "exports/KestrixCE.h"

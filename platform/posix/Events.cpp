@@ -68,9 +68,12 @@ HANDLE CreateEventW(SECURITY_ATTRIBUTES*, BOOL manualReset, BOOL initialState, L
 
 BOOL EventModify(HANDLE handle, DWORD func) {
   KernelObject* event = KernelObject::FromHandle(handle);
-  if (!event || event->GetKind() != KernelObject::Kind::kEvent ||
-      (func != EVENT_SET && func != EVENT_RESET)) {
+  if (!event || event->GetKind() != KernelObject::Kind::kEvent) {
     SetLastError(ERROR_INVALID_HANDLE);
+    return FALSE;
+  }
+  if (func != EVENT_SET && func != EVENT_RESET) {  // the library never pulses
+    SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
   }
   if (func == EVENT_SET)

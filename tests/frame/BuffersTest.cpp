@@ -1,6 +1,7 @@
 // RingBuffer, ByteBuffer and Value.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 #include <vector>
@@ -41,6 +42,38 @@ TEST(RingBuffer, AnEmptiedBufferStartsAgainFromZero) {
   EXPECT_EQ(ring.Read(out, 4), 0u);
 }
 
+// A capacity that doesn't divide 2^32, never emptied, for many turns: every byte comes
+// out once and in order.
+TEST(RingBuffer, KeepsOrderOverManyTurnsWhenNeverEmptied) {
+  RingBuffer ring(7);
+  uint8_t next = 0, expected = 0;
+  uint8_t chunk[7];
+  for (uint32_t round = 0; round < 3000; ++round) {
+    const uint32_t in = std::min(ring.GetFree(), 1 + round % 5);
+    for (uint32_t i = 0; i < in; ++i) chunk[i] = next++;
+    ASSERT_EQ(ring.Write(chunk, in), in);
+    const uint32_t out = ring.Read(chunk, std::min(ring.GetCount() - 1, 1 + round % 4));
+    for (uint32_t i = 0; i < out; ++i) ASSERT_EQ(chunk[i], expected++) << round;
+    ASSERT_GT(ring.GetCount(), 0u);
+  }
+}
+
+TEST(RingBuffer, NullBytesAndZeroCapacityMoveNothing) {
+  const uint8_t in[] = {1, 2};
+  uint8_t out[2];
+  RingBuffer none(0);
+  EXPECT_EQ(none.Write(in, 2), 0u);
+  EXPECT_EQ(none.GetFree(), 0u);
+  RingBuffer ring(4);
+  EXPECT_EQ(ring.Write(nullptr, 2), 0u);
+  EXPECT_EQ(ring.Write(in, 2), 2u);
+  EXPECT_EQ(ring.Read(nullptr, 2), 0u);
+  EXPECT_EQ(ring.GetCount(), 2u);
+  ring.Close();
+  EXPECT_EQ(ring.Read(out, 2), 0u);
+  EXPECT_EQ(ring.GetFree(), 4u);
+}
+
 TEST(ByteBuffer, CopiesOrStaysEmpty) {
   const uint8_t bytes[] = {9, 8, 7};
   ByteBuffer copy(bytes, 3);
@@ -72,6 +105,22 @@ TEST(Value, EachSetterDropsWhatWasHeldBefore) {
   EXPECT_FALSE(Ref<ByteBuffer>(value.GetBinary()));
   EXPECT_STREQ(Ref<String>(Value("x").GetString())->GetText(), "x");
   EXPECT_EQ(Value().GetType(), Value::kEmpty);
+}
+
+TEST(Value, HoldsABufferUntilClosed) {
+  Ref<ByteBuffer> binary(new ByteBuffer(4));
+  Ref<Value> value(new Value(binary.get()));
+  EXPECT_EQ(value->GetType(), Value::kBinary);
+  EXPECT_EQ(Ref<ByteBuffer>(value->GetBinary()).get(), binary.get());
+  EXPECT_EQ(binary->AddRef(), 3);  // the test, the value, this call
+  binary->Release();
+  value->Close();
+  EXPECT_EQ(value->GetType(), Value::kEmpty);
+  EXPECT_FALSE(Ref<ByteBuffer>(value->GetBinary()));
+  EXPECT_EQ(binary->AddRef(), 2);
+  binary->Release();
+  EXPECT_EQ(Value(12).GetType(), Value::kInteger);
+  EXPECT_EQ(Value(12).GetInteger(), 12);
 }
 
 }  // namespace

@@ -69,6 +69,24 @@ TEST_F(ObjectListTest, PositionsAreOneBasedAndOutOfRangeGivesNothing) {
   EXPECT_EQ(list.GetIDAt(4), 0);
 }
 
+TEST_F(ObjectListTest, AnExhaustedCursorStaysExhaustedAtEitherEnd) {
+  Fill({1, 2});
+  Ref<BaseObject>(list.GetLast());
+  EXPECT_FALSE(Ref<BaseObject>(list.GetNext()));
+  EXPECT_FALSE(Ref<BaseObject>(list.GetNext()));
+  EXPECT_FALSE(Ref<BaseObject>(list.GetPrevious()));  // doesn't come back from the tail
+  EXPECT_EQ(Ref<BaseObject>(list.GetFirst())->GetID(), 1);
+  EXPECT_FALSE(Ref<BaseObject>(list.GetPrevious()));
+  EXPECT_FALSE(Ref<BaseObject>(list.GetNext()));
+
+  list.Add(Ref<Counted>(new Counted(3)).get());  // the cursor moves to what was added
+  EXPECT_EQ(Ref<BaseObject>(list.GetPrevious())->GetID(), 2);
+
+  ObjectList empty;
+  empty.Insert(Ref<Counted>(new Counted(4)).get(), 5);  // beyond the count of an empty list
+  EXPECT_EQ(empty.GetIDAt(1), 4);
+}
+
 TEST_F(ObjectListTest, TheFirstOfTwoEqualIDsIsFoundAndRemoved) {
   Ref<Counted> first(new Counted(5)), second(new Counted(5));
   Fill({1});
@@ -80,6 +98,10 @@ TEST_F(ObjectListTest, TheFirstOfTwoEqualIDsIsFoundAndRemoved) {
   EXPECT_FALSE(list.RemoveByID(6));
   EXPECT_TRUE(list.ContainsID(5));
   EXPECT_FALSE(list.Contains(nullptr));
+  Counted stranger(1);  // never added, but its ID is that of the head
+  EXPECT_TRUE(list.Contains(&stranger));
+  EXPECT_TRUE(list.Remove(&stranger));
+  EXPECT_EQ(list.GetPosition(5), 1);
 }
 
 TEST_F(ObjectListTest, RemoveResetsTheCursorToTheHead) {

@@ -27,6 +27,14 @@ TEST(Event, StaysSetUntilReset) {
   EXPECT_FALSE(event.WaitFor(1));
 }
 
+TEST(Event, AWaiterWakesWhenAnotherThreadSetsIt) {
+  Ref<Event> event(new Event());
+  std::thread setter([&] { event->Set(); });
+  event->Wait();
+  setter.join();
+  EXPECT_TRUE(event->WaitFor(INFINITE));
+}
+
 TEST(WaitGroup, TheEarliestAddedOfSeveralSetEventsWins) {
   WaitGroup group;
   std::vector<Ref<Event>> events;
@@ -114,6 +122,19 @@ TEST(EventQueue, CarriesObjectsBetweenThreadsInOrder) {
   EXPECT_FALSE(Ref<BaseObject>(queue.Pop()));
 }
 
+TEST(EventQueue, CloseGivesUpWhatIsQueued) {
+  EventQueue queue;
+  Ref<BaseObject> item(new BaseObject());
+  queue.Push(item.get());
+  queue.Push(item.get());
+  EXPECT_EQ(item->AddRef(), 4);  // the test, two places in the queue, this call
+  item->Release();
+  queue.Close();
+  EXPECT_EQ(item->AddRef(), 2);
+  item->Release();
+  EXPECT_FALSE(Ref<BaseObject>(queue.Pop()));
+}
+
 class Worker : public BaseObject {
  public:
   void ThreadMain(Thread* thread, BaseObject* argument) override {
@@ -153,6 +174,28 @@ TEST(Thread, RunsTheOwnersThreadMainOnceUntilClosed) {
   thread->Close();
   EXPECT_EQ(worker.runs, 2);
   EXPECT_EQ(worker.seenArgument, nullptr);
+  thread->Close();  // closing a closed thread is harmless
+  EXPECT_EQ(thread->Error().GetNumber(), 0);
+}
+
+// An owner that writes a plain field on its thread; whoever closes the thread reads it
+// afterwards without a lock, which is right only if Close has joined the thread.
+class Counter : public BaseObject {
+ public:
+  void ThreadMain(Thread*, BaseObject*) override {
+    for (int i = 0; i < 1000; ++i) ++total;
+  }
+  int total = 0;
+};
+
+TEST(Thread, TheLastReleaseStopsTheThreadAndOrdersItsWrites) {
+  Counter counter;
+  for (int round = 1; round <= 20; ++round) {
+    auto* thread = new Thread();
+    thread->Start(&counter, nullptr);
+    ReleaseObject(thread);  // count 0: Close, then destroy
+    ASSERT_EQ(counter.total, round * 1000);
+  }
 }
 
 }  // namespace

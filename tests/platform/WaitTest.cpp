@@ -1,68 +1,96 @@
-// The platform's waits, thread handles and clocks.
+// The platform's events and the waits for them.
 #include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
 
 #include "platform/win32ce.h"
 
 namespace {
 
+// Manual-reset events, unsignalled, closed with the test.
+class Events {
+ public:
+  explicit Events(int count) {
+    for (int i = 0; i < count; ++i) m_handles.push_back(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  }
+  ~Events() {
+    for (HANDLE h : m_handles) CloseHandle(h);
+  }
+  HANDLE operator[](int i) const { return m_handles[size_t(i)]; }
+  const HANDLE* data() const { return m_handles.data(); }
+
+ private:
+  std::vector<HANDLE> m_handles;
+};
+
 TEST(Waits, RefuseWhatTheDeviceRefuses) {
-  HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  Events events(1);
   HANDLE many[65];
-  for (HANDLE& h : many) h = event;
+  for (HANDLE& h : many) h = events[0];
   EXPECT_EQ(WaitForMultipleObjects(65, many, FALSE, 0), WAIT_FAILED);
   EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
   EXPECT_EQ(WaitForMultipleObjects(0, many, FALSE, 0), WAIT_FAILED);
   EXPECT_EQ(WaitForMultipleObjects(2, many, TRUE, 0), WAIT_FAILED);
   EXPECT_EQ(WaitForMultipleObjects(64, many, FALSE, 0), WAIT_TIMEOUT);
-  EXPECT_FALSE(EventModify(event, 1));
-  EXPECT_TRUE(CloseHandle(event));
+  many[5] = nullptr;
+  EXPECT_EQ(WaitForMultipleObjects(6, many, FALSE, 0), WAIT_FAILED);
+  EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+
+  EXPECT_FALSE(EventModify(events[0], 1));  // pulse isn't offered
+  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+  EXPECT_FALSE(EventModify(nullptr, EVENT_SET));
+  EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
   EXPECT_FALSE(CloseHandle(nullptr));
+  EXPECT_EQ(CreateEventW(nullptr, TRUE, FALSE, u"named"), nullptr);
+}
+
+TEST(Waits, TheEarliestSignalledHandleWinsAndManualResetStaysSet) {
+  Events events(64);
+  SetEvent(events[63]);
+  SetEvent(events[40]);
+  SetEvent(events[10]);
+  for (int round = 0; round < 2; ++round)
+    EXPECT_EQ(WaitForMultipleObjects(64, events.data(), FALSE, 0), WAIT_OBJECT_0 + 10);
+  ResetEvent(events[10]);
+  EXPECT_EQ(WaitForMultipleObjects(64, events.data(), FALSE, INFINITE), WAIT_OBJECT_0 + 40);
+  ResetEvent(events[40]);
+  EXPECT_EQ(WaitForMultipleObjects(64, events.data(), FALSE, 0), WAIT_OBJECT_0 + 63);
+  ResetEvent(events[63]);
+  EXPECT_EQ(WaitForMultipleObjects(64, events.data(), FALSE, 1), WAIT_TIMEOUT);
+
+  HANDLE initiallySet = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+  EXPECT_EQ(WaitForSingleObject(initiallySet, 0), WAIT_OBJECT_0);
+  CloseHandle(initiallySet);
 }
 
 TEST(Waits, AnAutoResetEventReleasesOneWait) {
   HANDLE event = CreateEventW(nullptr, FALSE, TRUE, nullptr);
   EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
   EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);
+  // Only the handle that ends the wait is consumed.
+  HANDLE manual = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+  SetEvent(event);
+  HANDLE both[] = {manual, event};
+  EXPECT_EQ(WaitForMultipleObjects(2, both, FALSE, 0), WAIT_OBJECT_0);
+  EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+  CloseHandle(manual);
   CloseHandle(event);
 }
 
-DWORD SetAndReturn(LPVOID event) {
-  SetEvent(static_cast<HANDLE>(event));
-  return 0;
-}
-
-TEST(Threads, AThreadHandleIsSignalledWhenTheRoutineHasReturned) {
-  HANDLE started = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-  DWORD id = 0;
-  HANDLE thread = CreateThread(nullptr, 0, SetAndReturn, started, 0, &id);
-  ASSERT_NE(thread, nullptr);
-  EXPECT_NE(id, 0u);
-  HANDLE both[] = {thread, started};
-  const DWORD first = WaitForMultipleObjects(2, both, FALSE, INFINITE);
-  EXPECT_TRUE(first == WAIT_OBJECT_0 || first == WAIT_OBJECT_0 + 1);
-  EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
-  EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);  // stays signalled
-  EXPECT_TRUE(CloseHandle(thread));
-  CloseHandle(started);
-  EXPECT_EQ(CreateThread(nullptr, 0, nullptr, nullptr, 0, nullptr), nullptr);
-}
-
-TEST(Clocks, FileTimesCountFrom1601AndRefuseImpossibleDates) {
-  SYSTEMTIME epoch{1970, 1, 4, 1, 0, 0, 0, 0};
-  FILETIME file{};
-  ASSERT_TRUE(SystemTimeToFileTime(&epoch, &file));
-  EXPECT_EQ(uint64_t(file.dwHighDateTime) << 32 | file.dwLowDateTime, 116444736000000000ull);
-  SYSTEMTIME leap{2024, 2, 4, 29, 23, 59, 59, 999};
-  EXPECT_TRUE(SystemTimeToFileTime(&leap, &file));
-  for (SYSTEMTIME bad :
-       {SYSTEMTIME{2023, 2, 0, 29, 0, 0, 0, 0}, SYSTEMTIME{2023, 13, 0, 1, 0, 0, 0, 0},
-        SYSTEMTIME{2023, 1, 0, 1, 24, 0, 0, 0}, SYSTEMTIME{1600, 1, 0, 1, 0, 0, 0, 0}})
-    EXPECT_FALSE(SystemTimeToFileTime(&bad, &file));
-  SYSTEMTIME now;
-  GetSystemTime(&now);
-  EXPECT_TRUE(SystemTimeToFileTime(&now, &file));
-  const DWORD before = GetTickCount();
-  EXPECT_LE(DWORD(GetTickCount() - before), 1000u);  // modular: right across the wrap too
+// A waiter on another thread sleeps until one of its handles is set; it reports which
+// through a second event, and every hand-over is an event.
+TEST(Waits, AWaiterWakesForTheHandleSetOnAnotherThread) {
+  Events events(3);  // two to wait on, one for the answer
+  DWORD woke = WAIT_FAILED;
+  std::thread waiter([&] {
+    woke = WaitForMultipleObjects(2, events.data(), FALSE, INFINITE);
+    SetEvent(events[2]);
+  });
+  SetEvent(events[1]);
+  EXPECT_EQ(WaitForSingleObject(events[2], INFINITE), WAIT_OBJECT_0);
+  waiter.join();
+  EXPECT_EQ(woke, WAIT_OBJECT_0 + 1);
 }
 
 }  // namespace
