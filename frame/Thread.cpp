@@ -39,6 +39,9 @@ void Thread::Close() {
   if (m_handle) {
     m_done->Wait();
     m_done->Reset();
+    // ThreadMain is over; waiting for the thread itself as well lets CloseHandle join
+    // it instead of leaving it to end alone, after the owner may already be gone.
+    WaitForSingleObject(m_handle, INFINITE);
     CloseHandle(m_handle);
     m_handle = nullptr;
   }

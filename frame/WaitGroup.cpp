@@ -13,10 +13,10 @@ Event* WaitGroup::WaitAny(DWORD milliseconds) {
   const int32_t count = m_events.GetCount();
   if (count == 0) return nullptr;
   HANDLE handles[kMaxEvents];
-  for (int32_t i = 0; i < count; ++i) {
-    Ref<Event> event(static_cast<Event*>(m_events.GetItem(i + 1)));
-    handles[i] = event->GetHandle();
-  }
+  int32_t i = 0;
+  for (Ref<BaseObject> member(m_events.GetFirst()); member;
+       member = Ref<BaseObject>(m_events.GetNext()))
+    handles[i++] = static_cast<Event*>(member.get())->GetHandle();
   const DWORD result = WaitForMultipleObjects(DWORD(count), handles, FALSE, milliseconds);
   if (result >= WAIT_OBJECT_0 + DWORD(count)) return nullptr;  // time-out or failure
   return static_cast<Event*>(m_events.GetItem(int32_t(result - WAIT_OBJECT_0) + 1));

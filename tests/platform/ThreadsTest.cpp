@@ -49,21 +49,6 @@ DWORD WaitThenCount(LPVOID argument) {
   return 0;
 }
 
-int plainResult = 0;  // written by the thread without a lock; the wait orders it
-
-DWORD WriteResult(LPVOID) {
-  plainResult = 42;
-  return 0;
-}
-
-TEST(Threads, WaitingOnTheHandleOrdersTheThreadsWritesBeforeTheWaiter) {
-  plainResult = 0;
-  HANDLE thread = CreateThread(nullptr, 0, WriteResult, nullptr, 0, nullptr);
-  ASSERT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
-  EXPECT_EQ(plainResult, 42);
-  CloseHandle(thread);
-}
-
 // Half the handles are closed while their threads still run, half after they ended; the
 // sanitizers see to it that neither way leaks a thread or its handle.
 TEST(Threads, AHandleClosedEarlyLetsTheThreadFinishAlone) {

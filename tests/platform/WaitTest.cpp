@@ -12,7 +12,8 @@ namespace {
 class Events {
  public:
   explicit Events(int count) {
-    for (int i = 0; i < count; ++i) m_handles.push_back(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    for (int i = 0; i < count; ++i)
+      m_handles.push_back(CreateEventW(nullptr, TRUE, FALSE, nullptr));
   }
   ~Events() {
     for (HANDLE h : m_handles) CloseHandle(h);
