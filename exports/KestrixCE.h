@@ -114,6 +114,7 @@ typedef struct KxQuality_* KxQuality;
 typedef struct KxSatellite_* KxSatellite;
 typedef struct KxSatellites_* KxSatellites;
 typedef struct KxComStatus_* KxComStatus;
+typedef struct KxNmeaParser_* KxNmeaParser;
 
 /* ---- errors ----------------------------------------------------------------------- */
 /* Classes of failure. A failing system call reports its own last-error value instead. */
@@ -320,6 +321,48 @@ KX_API KxBool ComStatus_GetValidFix(KxComStatus status);
 /* -1 when the data comes over the multiplexer link */
 KX_API short ComStatus_GetComPort(KxComStatus status);
 KX_API int ComStatus_GetBaudRate(KxComStatus status);
+
+/* ---- NmeaParser: the GPS engine ----------------------------------------------------- */
+/* Event types: the wParam of message 1125 (WM_USER + 101) whose lParam is the object,
+ * and the type out of NmeaParser_GetEventData. The receiver gives the object up with its
+ * family's Delete. */
+#define KX_NMEA_MESSAGE 1125
+#define KX_EVENT_SENTENCE 1
+#define KX_EVENT_FIX 5
+#define KX_EVENT_SATELLITES 6
+#define KX_EVENT_MOVEMENT 7
+#define KX_EVENT_QUALITY 8
+#define KX_EVENT_STATUS 9
+
+KX_API KxNmeaParser NmeaParser_New(void);
+KX_API void NmeaParser_Delete(KxNmeaParser parser);
+KX_API KxError NmeaParser_GetErrHandle(KxNmeaParser parser);
+/* final: the engine stops and doesn't start again */
+KX_API void NmeaParser_Close(KxNmeaParser parser);
+/* 0 find automatically, -1 the multiplexer only, above 0 that COM port */
+KX_API void NmeaParser_SetComPort(KxNmeaParser parser, short port);
+/* 0 find automatically; 4800 by default */
+KX_API void NmeaParser_SetBaudRate(KxNmeaParser parser, int baudRate);
+KX_API void NmeaParser_SetGpsDatum(KxNmeaParser parser, short datum);
+KX_API void NmeaParser_SetNoEvents(KxNmeaParser parser, KxBool noEvents);
+KX_API void NmeaParser_SetChecksumMandatory(KxNmeaParser parser, KxBool mandatory);
+/* milliseconds of GPS time between events of type 5 to 8; below 0 turns the type off */
+KX_API void NmeaParser_EventInterval(KxNmeaParser parser, int interval, int type);
+/* a window for the events; null turns the queue of NmeaParser_GetEventData on instead */
+KX_API void NmeaParser_SetCallbackHWND(KxNmeaParser parser, HWND window);
+KX_API void NmeaParser_SetPortEnabled(KxNmeaParser parser, KxBool enabled);
+/* blocks until an event comes or the parser closes (0); the object is the caller's */
+KX_API void* NmeaParser_GetEventData(KxNmeaParser parser, int* type);
+/* with events off: the last object at once (timeout below 1), or the next one to come */
+KX_API KxGpsFix NmeaParser_GetGpsFix(KxNmeaParser parser, int timeout, short fixType);
+KX_API KxSatellites NmeaParser_GetSatellites(KxNmeaParser parser, int timeout);
+KX_API KxMovement NmeaParser_GetMovement(KxNmeaParser parser, int timeout);
+KX_API KxQuality NmeaParser_GetQuality(KxNmeaParser parser, int timeout);
+/* a new copy of the status, at any time */
+KX_API KxComStatus NmeaParser_GetComStatus(KxNmeaParser parser);
+KX_API void NmeaParser_WriteData(KxNmeaParser parser, const WCHAR* data, short length);
+/* text as if from a port; complete sentences are handled at once, on this thread */
+KX_API void NmeaParser_Parse(KxNmeaParser parser, const WCHAR* text);
 
 #ifdef __cplusplus
 }
