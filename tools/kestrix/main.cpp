@@ -3,6 +3,7 @@
 //   kestrix convert --from datum:1 --to grid:1 59.3 18.07
 //   echo "6576000 674000" | kestrix convert --from grid:1 --from-zone 33 --to "WGS 84"
 //   kestrix convert --list
+//   kestrix replay receiver.log --grid 1 --mode queue --json
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
@@ -11,6 +12,7 @@
 
 #include "tools/kestrix/Catalogue.h"
 #include "tools/kestrix/Converter.h"
+#include "tools/kestrix/Replay.h"
 
 namespace {
 
@@ -77,7 +79,15 @@ int main(int argc, char** argv) {
   convert->add_option("--from-zone", options.fromZone, "the zone of the --from grid");
   convert->add_flag("--list", options.list, "print the datums and grids");
   convert->add_option("coordinates", options.coordinates, "one point; else lines on stdin");
+  kestrix::ReplayOptions replay;
+  CLI::App* replayCommand = app.add_subcommand(
+      "replay", "Feed a receiver log through the parser and print every delivered event.");
+  replayCommand->add_option("log", replay.log, "the log file")->required();
+  replayCommand->add_option("--grid", replay.grid, "print fixes also in this grid");
+  replayCommand->add_option("--mode", replay.mode, "window (default), queue or poll");
+  replayCommand->add_flag("--json", replay.json, "one JSON object per line");
   CLI11_PARSE(app, argc, argv);
+  if (replayCommand->parsed()) return kestrix::Replay::Run(replay, stdout);
   if (!options.list && (options.from.empty() || options.to.empty())) {
     std::fprintf(stderr, "convert needs --from and --to (or --list)\n");
     return 2;
