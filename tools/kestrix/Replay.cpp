@@ -132,8 +132,12 @@ int Replay::Run(const ReplayOptions& options, std::FILE* out) {
   }
   Session session(options, out);
   if (!session.Start()) return 2;
+  // A log stores lines with LF or with CR LF; a sentence ends with CR LF on the wire.
   std::string line;
-  while (std::getline(file, line)) session.Feed(line + "\n");
+  while (std::getline(file, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    session.Feed(line + "\r\n");
+  }
   return 0;
 }
 
