@@ -16,7 +16,7 @@ for log in "$logs"/bt451.log "$logs"/neo-m8n.log "$logs"/isync.log; do
     echo "FAILED $log: no fix delivered"
     failures=$((failures + 1))
   fi
-  while read -r line; do
+  while IFS= read -r line; do
     if ! grep -qxF -- "$line" <<<"$window"; then
       echo "FAILED $log: polled event never delivered: $line"
       failures=$((failures + 1))
