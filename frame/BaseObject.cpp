@@ -1,17 +1,18 @@
 #include "frame/BaseObject.h"
 
+#include <atomic>
+
 #include "frame/LibraryLock.h"
 
 namespace kx {
 
 namespace {
-int32_t lastId = 0;  // guarded by the LibraryLock
-}
+// One increment under the library's lock would do the same; an atomic one is cheaper
+// for the many small objects a sentence makes.
+std::atomic<int32_t> lastId{0};
+}  // namespace
 
-BaseObject::BaseObject() {
-  LockScope lock;
-  m_id = ++lastId;
-}
+BaseObject::BaseObject() : m_id(lastId.fetch_add(1, std::memory_order_relaxed) + 1) {}
 
 BaseObject::~BaseObject() = default;
 

@@ -44,6 +44,7 @@ void NmeaSentence::Close() {
   ReleaseObject(m_command);
   ReleaseObject(m_fullCommand);
   m_fields.RemoveAll();
+  m_spans.clear();
   m_fieldCount = 0;
   m_dirty = 0;
   m_parsed = 1;
@@ -53,8 +54,6 @@ void NmeaSentence::SetSentence(const String* text) {
   Close();
   if (!text || text->GetLength() < kShortestSentence) return;
   m_text = Shared(const_cast<String*>(text));
-  m_command = text->Mid(3, 3);
-  m_fullCommand = text->Mid(1, 5);
   const char* bytes = text->GetText();
   for (int32_t i = 0; i < text->GetLength(); ++i)
     if (bytes[i] == ',') ++m_fieldCount;
@@ -62,19 +61,30 @@ void NmeaSentence::SetSentence(const String* text) {
 }
 
 // Each field begins behind a comma and ends before the next ",", "*" or the end; empty
-// fields are kept as empty Strings.
+// fields stay, as empty ones.
 void NmeaSentence::ParseFields() {
   if (m_parsed) return;
   m_parsed = 1;
   const char* bytes = m_text->GetText();
   const int32_t length = m_text->GetLength();
+  m_spans.reserve(size_t(m_fieldCount));
   int32_t at = 0;
   for (int32_t number = 1; number <= m_fieldCount; ++number) {
     while (at < length && bytes[at] != ',') ++at;
     const int32_t begin = ++at;
     while (at < length && bytes[at] != ',' && bytes[at] != '*') ++at;
-    StoreField(number, begin < length ? new String(bytes + begin, at - begin) : new String());
+    m_spans.push_back(begin < length ? Span{begin, at - begin} : Span{0, 0});
   }
+}
+
+void NmeaSentence::TakeOverSpans() {
+  for (size_t i = 0; i < m_spans.size(); ++i) {
+    const int32_t number = int32_t(i) + 1;
+    if (m_fields.ContainsID(number)) continue;
+    const Span& span = m_spans[i];
+    StoreField(number, new String(m_text->GetText() + span.begin, span.length));
+  }
+  m_spans.clear();
 }
 
 // Takes over the caller's reference.
@@ -86,7 +96,12 @@ void NmeaSentence::StoreField(int32_t index, String* field) {
 
 String* NmeaSentence::GetField(int32_t index) {
   ParseFields();
-  if (String* field = static_cast<String*>(m_fields.FindByID(index))) return field;
+  if (m_fields.GetCount() > 0)
+    if (String* field = static_cast<String*>(m_fields.FindByID(index))) return field;
+  if (index >= 1 && size_t(index) <= m_spans.size()) {
+    const Span& span = m_spans[size_t(index) - 1];
+    return new String(m_text->GetText() + span.begin, span.length);
+  }
   return index <= m_fieldCount ? new String() : nullptr;
 }
 
@@ -134,14 +149,24 @@ void NmeaSentence::SetCommand(const String* command) {
   m_dirty = 1;
 }
 
-String* NmeaSentence::GetCommand() const { return Shared(m_command); }
+String* NmeaSentence::GetCommand() const {
+  if (!m_command && m_text) m_command = m_text->Mid(3, 3);
+  return Shared(m_command);
+}
 
-String* NmeaSentence::GetFullCommand() const { return Shared(m_fullCommand); }
+String* NmeaSentence::GetFullCommand() const {
+  if (!m_fullCommand && m_text) m_fullCommand = m_text->Mid(1, 5);
+  return Shared(m_fullCommand);
+}
 
+// The command is characters 3 to 5 of the text until one is set.
 int32_t NmeaSentence::GetType() const {
-  if (!m_command) return kNone;
-  for (const TypeName& t : kTypes)
-    if (m_command->EqualsAt(t.name, 0, 0)) return t.type;
+  if (!m_command && !m_text) return kNone;
+  for (const TypeName& t : kTypes) {
+    const bool same =
+        m_command ? m_command->EqualsAt(t.name, 0, 0) : m_text->EqualsAt(t.name, 3, 3);
+    if (same) return t.type;
+  }
   return kNone;
 }
 
@@ -154,9 +179,11 @@ String* NmeaSentence::GetSentence() {
 // everything behind the "$", when it still fits.
 void NmeaSentence::BuildText() {
   ParseFields();
+  TakeOverSpans();
   std::string text = "$";
-  if (m_fullCommand && m_fullCommand->GetLength() > 0)
-    Append(text, m_fullCommand->GetText(), size_t(m_fullCommand->GetLength()));
+  Ref<String> command(GetFullCommand());
+  if (command && command->GetLength() > 0)
+    Append(text, command->GetText(), size_t(command->GetLength()));
   for (int32_t number = 1; number <= m_fieldCount; ++number) {
     Append(text, ",", 1);
     Ref<String> field(GetField(number));

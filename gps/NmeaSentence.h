@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "frame/BaseObject.h"
 #include "frame/ObjectList.h"
@@ -39,16 +40,25 @@ class NmeaSentence : public BaseObject {
   void Close() override;
 
  private:
+  struct Span {
+    int32_t begin, length;
+  };
+
   void ParseFields();
   void StoreField(int32_t index, String* field);
+  // The fields read from the text become written ones, before the text is replaced.
+  void TakeOverSpans();
   void BuildText();
 
   String* m_text = nullptr;
+  // Fields are read from the text on demand, through their places in it; those set
+  // since are kept as Strings and take precedence.
+  std::vector<Span> m_spans;
   ObjectList m_fields;
   int32_t m_fieldCount = 0;
   uint8_t m_dirty = 0;
-  String* m_command = nullptr;
-  String* m_fullCommand = nullptr;
+  mutable String* m_command = nullptr;  // made from the text when first asked for
+  mutable String* m_fullCommand = nullptr;
   uint8_t m_parsed = 1;
 };
 

@@ -56,8 +56,13 @@ void DeleteCriticalSection(CRITICAL_SECTION* cs);
 void EnterCriticalSection(CRITICAL_SECTION* cs);
 void LeaveCriticalSection(CRITICAL_SECTION* cs);
 
-LONG InterlockedIncrement(volatile LONG* value);
-LONG InterlockedDecrement(volatile LONG* value);
+// Inline: every reference count goes through these.
+inline LONG InterlockedIncrement(volatile LONG* value) {
+  return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST);
+}
+inline LONG InterlockedDecrement(volatile LONG* value) {
+  return __atomic_sub_fetch(value, 1, __ATOMIC_SEQ_CST);
+}
 
 // ---- events, waits, threads -----------------------------------------------------------
 constexpr DWORD INFINITE = 0xFFFFFFFFu;

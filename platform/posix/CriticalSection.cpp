@@ -1,4 +1,4 @@
-// Critical sections as recursive pthread mutexes; interlocked counts as atomics.
+// Critical sections as recursive pthread mutexes.
 #include <pthread.h>
 
 #include <cstdlib>
@@ -30,12 +30,4 @@ void EnterCriticalSection(CRITICAL_SECTION* cs) {
 
 void LeaveCriticalSection(CRITICAL_SECTION* cs) {
   pthread_mutex_unlock(static_cast<pthread_mutex_t*>(cs->impl));
-}
-
-LONG InterlockedIncrement(volatile LONG* value) {
-  return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST);
-}
-
-LONG InterlockedDecrement(volatile LONG* value) {
-  return __atomic_sub_fetch(value, 1, __ATOMIC_SEQ_CST);
 }
