@@ -26,7 +26,8 @@ class SentenceSplitter : public BaseObject {
  private:
   uint8_t At(uint16_t counter) const { return m_buffer[counter % kRingSize]; }
   bool SamePlace(uint16_t a, uint16_t b) const { return a % kRingSize == b % kRingSize; }
-  bool ChecksumPasses(uint16_t dollar, uint16_t lineFeed) const;
+  bool SkipToDollar();
+  bool Passes(bool hasStar, bool noChecksum, uint16_t star, uint8_t sum) const;
 
   uint8_t m_buffer[kRingSize] = {};
   uint16_t m_write = 0;
