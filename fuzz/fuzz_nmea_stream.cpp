@@ -14,15 +14,18 @@ using kx::String;
 
 namespace {
 
-// The sentence's own text must pass the test the splitter made.
+// The sentence's own text must pass the test the splitter made. The two digits are the
+// bytes behind the "*", which may be the CR and LF that ended the sentence.
 void CheckChecksum(const String* text) {
   const char* bytes = text->GetText();
+  const int32_t length = text->GetLength();
   uint8_t sum = 0;
   int32_t at = 1;
-  for (; at < text->GetLength() && bytes[at] != '*'; ++at) sum ^= uint8_t(bytes[at]);
-  if (at + 2 >= text->GetLength()) __builtin_trap();  // mandatory checksum missing
+  for (; at < length && bytes[at] != '*'; ++at) sum ^= uint8_t(bytes[at]);
+  if (at >= length) __builtin_trap();  // a mandatory checksum is missing
+  auto byteAt = [&](int32_t i) { return i < length ? bytes[i] : i == length ? '\r' : '\n'; };
   auto digit = [](char c) { return c >= '0' && c <= '9' ? c - '0' : c - 0x37; };
-  if (int8_t(16 * digit(bytes[at + 1]) + digit(bytes[at + 2])) != int8_t(sum)) __builtin_trap();
+  if (int8_t(16 * digit(byteAt(at + 1)) + digit(byteAt(at + 2))) != int8_t(sum)) __builtin_trap();
 }
 
 void Exercise(NmeaSentence* sentence) {
