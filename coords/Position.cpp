@@ -54,15 +54,15 @@ void ToSexagesimal(double radians, int16_t& degreesOut, int16_t& minutesOut, dou
   minutesOut = static_cast<int16_t>(minutes);
 }
 
-bool Starts(const String* text, char letter) { return text && text->GetChar(0) == letter; }
+
 
 double DmsToRadians(double degrees, double minutes, double seconds) {
   return degrees / 180 * kPi + minutes / 180 / 60 * kPi + seconds / 180 / 3600 * kPi;
 }
 
 // "ddmm.mmmm" of a sentence into its parts, all digits of the seconds kept.
-double NmeaAngle(const String* text, int16_t& degreesOut, int16_t& minutesOut, double& secondsOut) {
-  const double x = text ? text->ToDouble() : 0;
+double NmeaAngle(TextView text, int16_t& degreesOut, int16_t& minutesOut, double& secondsOut) {
+  const double x = text.ToDouble();
   const double w = std::trunc(x);
   const double minutes = w - std::trunc(w / 100) * 100;
   const double degrees = (w - minutes) / 100;
@@ -80,17 +80,25 @@ Position::Position() : m_engine(new DatumGridEngine()) {}
 Position::Position(const String* latitude, const String* longitude,
                    const String* latitudeHemisphere, const String* longitudeHemisphere,
                    const String* altitude, const String* separation, int16_t datum)
+    : Position(String::ViewOf(latitude), String::ViewOf(longitude),
+               String::ViewOf(latitudeHemisphere), String::ViewOf(longitudeHemisphere),
+               String::ViewOf(altitude), String::ViewOf(separation), datum) {}
+
+Position::Position(TextView latitude, TextView longitude, TextView latitudeHemisphere,
+                   TextView longitudeHemisphere, TextView altitude, TextView separation,
+                   int16_t datum)
     : m_engine(new DatumGridEngine()) {
   m_pristine = 0;
   m_engine->datum = datum;
   const double lon =
       NmeaAngle(longitude, m_longitude.degrees, m_longitude.minutes, m_longitude.seconds);
-  m_engine->longitude = Starts(longitudeHemisphere, 'W') ? -lon : lon;
+  m_engine->longitude = longitudeHemisphere.StartsWith('W') ? -lon : lon;
   const double lat =
       NmeaAngle(latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
-  m_engine->latitude = Starts(latitudeHemisphere, 'S') ? -lat : lat;
-  m_altitudeSeaLevel = altitude ? altitude->ToDouble() : 0;
-  m_engine->altitudeEllipsoid = separation ? m_altitudeSeaLevel + separation->ToDouble() : 0;
+  m_engine->latitude = latitudeHemisphere.StartsWith('S') ? -lat : lat;
+  m_altitudeSeaLevel = altitude.ToDouble();
+  m_engine->altitudeEllipsoid =
+      separation.IsPresent() ? m_altitudeSeaLevel + separation.ToDouble() : 0;
 }
 
 Position::~Position() { ReleaseObject(m_engine); }
@@ -234,7 +242,7 @@ void Position::SetLatitudeDMS(double degrees, double minutes, double seconds,
     return;
   }
   const double value = DmsToRadians(degrees, minutes, seconds);
-  StoreLatitude(Starts(hemisphere, 'S') ? -value : value);
+  StoreLatitude(String::ViewOf(hemisphere).StartsWith('S') ? -value : value);
 }
 
 void Position::SetLongitudeDMS(double degrees, double minutes, double seconds,
@@ -243,7 +251,7 @@ void Position::SetLongitudeDMS(double degrees, double minutes, double seconds,
   ClearError();
   Touch();
   const double value = DmsToRadians(degrees, minutes, seconds);
-  StoreLongitude(Starts(hemisphere, 'W') ? -value : value);
+  StoreLongitude(String::ViewOf(hemisphere).StartsWith('W') ? -value : value);
 }
 
 String* Position::AngleText(const Sexagesimal& form, char hemisphere, int16_t format,

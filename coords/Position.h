@@ -23,6 +23,9 @@ class Position : public BaseObject {
   Position(const String* latitude, const String* longitude, const String* latitudeHemisphere,
            const String* longitudeHemisphere, const String* altitude, const String* separation,
            int16_t datum);
+  // The same, read in place; an absent view stands for a null field.
+  Position(TextView latitude, TextView longitude, TextView latitudeHemisphere,
+           TextView longitudeHemisphere, TextView altitude, TextView separation, int16_t datum);
   ~Position() override;
 
   double GetLatitudeRads();

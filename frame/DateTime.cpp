@@ -18,15 +18,20 @@ DateTime::DateTime(int32_t year, int32_t month, int32_t day, int32_t hour, int32
       m_second(second),
       m_millisecond(millisecond) {}
 
-DateTime::DateTime(const String* time) { ParseTime(time); }
+DateTime::DateTime(const String* time) : DateTime(String::ViewOf(time)) {}
 
-DateTime::DateTime(const String* date, const String* time) {
+DateTime::DateTime(const String* date, const String* time)
+    : DateTime(String::ViewOf(date), String::ViewOf(time)) {}
+
+DateTime::DateTime(TextView time) { ParseTime(time); }
+
+DateTime::DateTime(TextView date, TextView time) {
   ParseDate(date);
   ParseTime(time);
 }
 
-void DateTime::ParseTime(const String* time) {
-  const double x = time ? time->ToDouble() : 0;
+void DateTime::ParseTime(TextView time) {
+  const double x = time.ToDouble();
   m_hour = static_cast<int32_t>(x / 10000);
   m_minute = static_cast<int32_t>(x / 100) % 100;
   m_second = static_cast<int32_t>(x - m_hour * 10000.0 - m_minute * 100.0);
@@ -37,9 +42,9 @@ void DateTime::ParseTime(const String* time) {
 
 // A sentence too short to have the field leaves the date at 0; an empty field is
 // day 0, month 0 of 2000.
-void DateTime::ParseDate(const String* date) {
-  if (!date) return;
-  const int32_t d = date->ToInt();
+void DateTime::ParseDate(TextView date) {
+  if (!date.IsPresent()) return;
+  const int32_t d = date.ToInt();
   m_day = d / 10000;
   m_month = (d / 100) % 100;
   const int32_t year = d % 100;

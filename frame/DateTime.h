@@ -18,6 +18,9 @@ class DateTime : public BaseObject {
   // "ddmmyy" and "hhmmss.sss": years 80 to 99 are 1980 to 1999, the others 2000 on. A
   // null date leaves the date members 0.
   DateTime(const String* date, const String* time);
+  // The same, read in place; an absent view stands for a null text.
+  explicit DateTime(TextView time);
+  DateTime(TextView date, TextView time);
 
   static DateTime* NowUtc();
 
@@ -35,8 +38,8 @@ class DateTime : public BaseObject {
   static int64_t SecondsBetween(const DateTime* first, const DateTime* second);
 
  private:
-  void ParseTime(const String* time);
-  void ParseDate(const String* date);
+  void ParseTime(TextView time);
+  void ParseDate(TextView date);
   int64_t ToMilliseconds() const;
 
   int32_t m_year = 0;

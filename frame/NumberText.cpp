@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 namespace kx {
 
@@ -10,8 +11,8 @@ namespace {
 bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-const char* SkipSpace(const char* text) {
-  while (IsSpace(*text)) ++text;
+const char* SkipSpace(const char* text, const char* end) {
+  while (text < end && IsSpace(*text)) ++text;
   return text;
 }
 
@@ -20,29 +21,37 @@ constexpr int kMaxPrecision = 1100;
 }  // namespace
 
 double NumberText::ParseDouble(const char* text) {
+  return text ? ParseDouble(text, int32_t(std::strlen(text))) : 0.0;
+}
+
+double NumberText::ParseDouble(const char* text, int32_t length) {
   if (!text) return 0.0;
-  const char* p = SkipSpace(text);
+  const char* const end = text + length;
+  const char* p = SkipSpace(text, end);
   bool negative = false;
-  if (*p == '+' || *p == '-') negative = *p++ == '-';
-  if (*p == '+' || *p == '-') return 0.0;  // a second sign is no number
-  const char* end = p;
-  while (*end) ++end;
+  if (p < end && (*p == '+' || *p == '-')) negative = *p++ == '-';
+  if (p < end && (*p == '+' || *p == '-')) return 0.0;  // a second sign is no number
   double value = 0.0;
   const auto result = std::from_chars(p, end, value, std::chars_format::general);
   if (result.ec == std::errc::result_out_of_range)
-    value = std::strtod(p, nullptr);  // overflow and underflow as atof gives them
+    value = std::strtod(std::string(p, end).c_str(), nullptr);  // as atof over- and underflows
   else if (result.ec != std::errc())
     return 0.0;
   return negative ? -value : value;
 }
 
 int32_t NumberText::ParseInt(const char* text) {
+  return text ? ParseInt(text, int32_t(std::strlen(text))) : 0;
+}
+
+int32_t NumberText::ParseInt(const char* text, int32_t length) {
   if (!text) return 0;
-  const char* p = SkipSpace(text);
+  const char* const end = text + length;
+  const char* p = SkipSpace(text, end);
   bool negative = false;
-  if (*p == '+' || *p == '-') negative = *p++ == '-';
+  if (p < end && (*p == '+' || *p == '-')) negative = *p++ == '-';
   uint32_t value = 0;
-  for (; IsDigit(*p); ++p) value = value * 10u + uint32_t(*p - '0');
+  for (; p < end && IsDigit(*p); ++p) value = value * 10u + uint32_t(*p - '0');
   return int32_t(negative ? 0u - value : value);
 }
 

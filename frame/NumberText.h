@@ -12,9 +12,12 @@ class NumberText {
  public:
   // atof: leading white space, an optional sign, the longest number; 0 if none.
   static double ParseDouble(const char* text);
+  // The same over the first `length` characters of a text that needn't end there.
+  static double ParseDouble(const char* text, int32_t length);
   // atoi: leading white space, an optional sign, decimal digits; 0 if none. Values
   // beyond 32 bits wrap, as the device's C library does.
   static int32_t ParseInt(const char* text);
+  static int32_t ParseInt(const char* text, int32_t length);
 
   // "%d"
   static void AppendInt(std::string& out, int64_t value);

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "frame/BaseObject.h"
+#include "frame/TextView.h"
 
 namespace kx {
 
@@ -36,6 +37,9 @@ class String : public BaseObject {
   int8_t GetChar(int32_t index) const;
   // The buffer itself; null for the null text.
   const char* GetText() const { return m_text; }
+  TextView View() const { return {m_text ? m_text : "", m_length}; }
+  // A null String is absent.
+  static TextView ViewOf(const String* text) { return text ? text->View() : TextView{}; }
   double ToDouble() const;
   int16_t ToShort() const;
   int32_t ToInt() const;

@@ -31,27 +31,18 @@ NmeaSentence* DecodedSentence::ToSentence() {
 }
 
 bool DecodedSentence::FirstIs(int32_t index, char letter) const {
-  Ref<String> field = Field(index);
-  return field && field->GetChar(0) == letter;
+  return Field(index).StartsWith(letter);
 }
 
-double DecodedSentence::Number(int32_t index) const {
-  Ref<String> field = Field(index);
-  return field ? field->ToDouble() : 0;
-}
+double DecodedSentence::Number(int32_t index) const { return Field(index).ToDouble(); }
 
-int32_t DecodedSentence::Integer(int32_t index) const {
-  Ref<String> field = Field(index);
-  return field ? field->ToInt() : 0;
-}
+int32_t DecodedSentence::Integer(int32_t index) const { return Field(index).ToInt(); }
 
 Position* DecodedSentence::PositionOf(int32_t latitude, int32_t latitudeHemisphere,
                                       int32_t longitude, int32_t longitudeHemisphere,
                                       int32_t altitude, int32_t separation, int16_t datum) const {
-  auto field = [this](int32_t index) { return index ? Field(index) : Ref<String>(); };
-  return new Position(field(latitude).get(), field(longitude).get(),
-                      field(latitudeHemisphere).get(), field(longitudeHemisphere).get(),
-                      field(altitude).get(), field(separation).get(), datum);
+  return new Position(Field(latitude), Field(longitude), Field(latitudeHemisphere),
+                      Field(longitudeHemisphere), Field(altitude), Field(separation), datum);
 }
 
 void DecodedSentence::SetPositionFields(NmeaSentence& sentence, int32_t first, Position* position) {

@@ -42,7 +42,8 @@ class DecodedSentence : public BaseObject {
     m_dirty = 1;
   }
 
-  Ref<String> Field(int32_t index) const { return Ref<String>(m_sentence->GetField(index)); }
+  // A field of the kept sentence, read in place; index 0 is absent.
+  TextView Field(int32_t index) const { return index ? m_sentence->PeekField(index) : TextView{}; }
   bool FirstIs(int32_t index, char letter) const;
   double Number(int32_t index) const;
   int32_t Integer(int32_t index) const;

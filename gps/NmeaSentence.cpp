@@ -105,6 +105,17 @@ String* NmeaSentence::GetField(int32_t index) {
   return index <= m_fieldCount ? new String() : nullptr;
 }
 
+TextView NmeaSentence::PeekField(int32_t index) {
+  ParseFields();
+  if (m_fields.GetCount() > 0)
+    if (Ref<String> field{static_cast<String*>(m_fields.FindByID(index))}) return field->View();
+  if (index >= 1 && size_t(index) <= m_spans.size()) {
+    const Span& span = m_spans[size_t(index) - 1];
+    return {m_text->GetText() + span.begin, span.length};
+  }
+  return index <= m_fieldCount ? TextView{"", 0} : TextView{};
+}
+
 void NmeaSentence::SetField(int32_t index, const String* value) {
   ParseFields();
   m_fields.RemoveByID(index);

@@ -28,6 +28,8 @@ class NmeaSentence : public BaseObject {
   // Field `index` from 1, with a reference; an empty String for a missing field up to the
   // field count (so for 0 and below too), null above it.
   String* GetField(int32_t index);
+  // The field as GetField gives it, read in place: valid until the sentence changes.
+  TextView PeekField(int32_t index);
   void SetField(int32_t index, const String* value);
   void SetField(int32_t index, const char* text);
   void SetField(int32_t index, int32_t value);

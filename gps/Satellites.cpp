@@ -8,8 +8,7 @@ namespace kx {
 namespace {
 
 int32_t IntegerOf(NmeaSentence& sentence, int32_t index) {
-  Ref<String> field(sentence.GetField(index));
-  return field ? field->ToInt() : 0;
+  return sentence.PeekField(index).ToInt();
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ void SentenceGGA::Parse(NmeaSentence* sentence, int16_t datum) {
   m_satellites = static_cast<int16_t>(Integer(7));
   m_hdop = Number(8);
   m_position = PositionOf(2, 3, 4, 5, 9, 11, datum);
-  m_time = new DateTime(Field(1).get());
+  m_time = new DateTime(Field(1));
 }
 
 void SentenceGGA::SetPosition(Position* position) {

@@ -15,7 +15,7 @@ void SentenceGLL::Parse(NmeaSentence* sentence, int16_t datum) {
   if (!Adopt(sentence, NmeaSentence::kGLL)) return;
   m_valid = FirstIs(6, 'A');
   m_position = PositionOf(1, 2, 3, 4, 0, 0, datum);
-  m_time = new DateTime(Field(5).get());
+  m_time = new DateTime(Field(5));
 }
 
 void SentenceGLL::SetPosition(Position* position) {

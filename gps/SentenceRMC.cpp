@@ -26,7 +26,7 @@ void SentenceRMC::Parse(NmeaSentence* sentence, int16_t datum) {
   m_position = PositionOf(3, 4, 5, 6, 0, 0, datum);
   m_speed = Number(7);
   m_course = Number(8);
-  m_dateTime = new DateTime(Field(9).get(), Field(1).get());
+  m_dateTime = new DateTime(Field(9), Field(1));
   m_magneticVariation = FirstIs(11, 'W') ? -Number(10) : Number(10);
 }
 
