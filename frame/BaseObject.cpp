@@ -23,6 +23,13 @@ void BaseObject::ThreadMain(Thread*, BaseObject*) {}
 LONG BaseObject::AddRef() { return InterlockedIncrement(&m_refCount); }
 
 LONG BaseObject::Release() {
+  // The only holder: no other thread has a reference to add to, so the count can drop
+  // without the locked read-modify-write that most short-lived objects would pay.
+  if (__atomic_load_n(&m_refCount, __ATOMIC_ACQUIRE) == 1) {
+    __atomic_store_n(&m_refCount, 0, __ATOMIC_RELAXED);
+    Close();
+    return 0;
+  }
   const LONG count = InterlockedDecrement(&m_refCount);
   if (count == 0) Close();
   return count;

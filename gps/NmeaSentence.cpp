@@ -1,6 +1,7 @@
 #include "gps/NmeaSentence.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "frame/ErrorNumbers.h"
@@ -44,47 +45,65 @@ void NmeaSentence::Close() {
   ReleaseObject(m_command);
   ReleaseObject(m_fullCommand);
   m_fields.RemoveAll();
-  m_spans.clear();
+  ForgetSpans();
   m_fieldCount = 0;
   m_dirty = 0;
-  m_parsed = 1;
 }
 
 void NmeaSentence::SetSentence(const String* text) {
   Close();
   if (!text || text->GetLength() < kShortestSentence) return;
   m_text = Shared(const_cast<String*>(text));
-  const char* bytes = text->GetText();
-  for (int32_t i = 0; i < text->GetLength(); ++i)
-    if (bytes[i] == ',') ++m_fieldCount;
-  m_parsed = 0;
+  FindFields();
 }
 
 // Each field begins behind a comma and ends before the next ",", "*" or the end; empty
-// fields stay, as empty ones.
-void NmeaSentence::ParseFields() {
-  if (m_parsed) return;
-  m_parsed = 1;
+// fields stay, as empty ones. One pass finds them all, and so counts them.
+void NmeaSentence::FindFields() {
   const char* bytes = m_text->GetText();
   const int32_t length = m_text->GetLength();
-  m_spans.reserve(size_t(m_fieldCount));
-  int32_t at = 0;
-  for (int32_t number = 1; number <= m_fieldCount; ++number) {
-    while (at < length && bytes[at] != ',') ++at;
-    const int32_t begin = ++at;
-    while (at < length && bytes[at] != ',' && bytes[at] != '*') ++at;
-    m_spans.push_back(begin < length ? Span{begin, at - begin} : Span{0, 0});
+  int32_t begin = -1;  // of the field in progress; none before the first comma
+  int32_t star = -1;   // the first "*" of the field in progress
+  for (int32_t at = 0; at < length; ++at) {
+    const char c = bytes[at];
+    if (c == ',') {
+      if (begin >= 0) AddSpan(begin, (star >= 0 ? star : at) - begin);
+      begin = at + 1;
+      star = -1;
+    } else if (c == '*' && star < 0) {
+      star = at;
+    }
   }
+  if (begin >= 0) AddSpan(begin, (star >= 0 ? star : length) - begin);
+}
+
+void NmeaSentence::AddSpan(int32_t begin, int32_t length) {
+  const Span span = begin < m_text->GetLength() ? Span{begin, length} : Span{0, 0};
+  if (m_fieldCount < kInlineSpans)
+    m_inlineSpans[m_fieldCount] = span;
+  else
+    m_moreSpans.push_back(span);
+  ++m_fieldCount;
+  m_spanCount = m_fieldCount;
+}
+
+const NmeaSentence::Span& NmeaSentence::SpanOf(int32_t number) const {
+  return number <= kInlineSpans ? m_inlineSpans[number - 1]
+                                : m_moreSpans[size_t(number - kInlineSpans - 1)];
 }
 
 void NmeaSentence::TakeOverSpans() {
-  for (size_t i = 0; i < m_spans.size(); ++i) {
-    const int32_t number = int32_t(i) + 1;
+  for (int32_t number = 1; number <= m_spanCount; ++number) {
     if (m_fields.ContainsID(number)) continue;
-    const Span& span = m_spans[i];
+    const Span& span = SpanOf(number);
     StoreField(number, new String(m_text->GetText() + span.begin, span.length));
   }
-  m_spans.clear();
+  ForgetSpans();
+}
+
+void NmeaSentence::ForgetSpans() {
+  m_spanCount = 0;
+  m_moreSpans.clear();
 }
 
 // Takes over the caller's reference.
@@ -95,29 +114,26 @@ void NmeaSentence::StoreField(int32_t index, String* field) {
 }
 
 String* NmeaSentence::GetField(int32_t index) {
-  ParseFields();
   if (m_fields.GetCount() > 0)
     if (String* field = static_cast<String*>(m_fields.FindByID(index))) return field;
-  if (index >= 1 && size_t(index) <= m_spans.size()) {
-    const Span& span = m_spans[size_t(index) - 1];
+  if (index >= 1 && index <= m_spanCount) {
+    const Span& span = SpanOf(index);
     return new String(m_text->GetText() + span.begin, span.length);
   }
   return index <= m_fieldCount ? new String() : nullptr;
 }
 
 TextView NmeaSentence::PeekField(int32_t index) {
-  ParseFields();
   if (m_fields.GetCount() > 0)
     if (Ref<String> field{static_cast<String*>(m_fields.FindByID(index))}) return field->View();
-  if (index >= 1 && size_t(index) <= m_spans.size()) {
-    const Span& span = m_spans[size_t(index) - 1];
+  if (index >= 1 && index <= m_spanCount) {
+    const Span& span = SpanOf(index);
     return {m_text->GetText() + span.begin, span.length};
   }
   return index <= m_fieldCount ? TextView{"", 0} : TextView{};
 }
 
 void NmeaSentence::SetField(int32_t index, const String* value) {
-  ParseFields();
   m_fields.RemoveByID(index);
   StoreField(index, new String(value));
   if (index > m_fieldCount) m_fieldCount = index;
@@ -138,7 +154,6 @@ void NmeaSentence::SetField(int32_t index, double value, int32_t decimals) {
 
 void NmeaSentence::SetCommand(const String* command) {
   ClearError();
-  ParseFields();
   if (!command) {
     SetError(kErrInvalidArgument, kNullCommand);
     return;
@@ -174,8 +189,9 @@ String* NmeaSentence::GetFullCommand() const {
 int32_t NmeaSentence::GetType() const {
   if (!m_command && !m_text) return kNone;
   for (const TypeName& t : kTypes) {
-    const bool same =
-        m_command ? m_command->EqualsAt(t.name, 0, 0) : m_text->EqualsAt(t.name, 3, 3);
+    // A kept text has at least the "$", the talker and the three letters.
+    const bool same = m_command ? m_command->EqualsAt(t.name, 0, 0)
+                                : std::memcmp(m_text->GetText() + 3, t.name, 3) == 0;
     if (same) return t.type;
   }
   return kNone;
@@ -189,7 +205,6 @@ String* NmeaSentence::GetSentence() {
 // "$", the full command, "," and each field, then "*hh" with the exclusive or of
 // everything behind the "$", when it still fits.
 void NmeaSentence::BuildText() {
-  ParseFields();
   TakeOverSpans();
   std::string text = "$";
   Ref<String> command(GetFullCommand());

@@ -46,22 +46,30 @@ class NmeaSentence : public BaseObject {
     int32_t begin, length;
   };
 
-  void ParseFields();
+  // Fields of a sentence read from text are kept as places in the text; most sentences
+  // have fewer than this many, the rest go to the heap.
+  static constexpr int32_t kInlineSpans = 24;
+
+  void FindFields();
+  void AddSpan(int32_t begin, int32_t length);
+  const Span& SpanOf(int32_t number) const;
   void StoreField(int32_t index, String* field);
   // The fields read from the text become written ones, before the text is replaced.
   void TakeOverSpans();
+  void ForgetSpans();
   void BuildText();
 
   String* m_text = nullptr;
-  // Fields are read from the text on demand, through their places in it; those set
+  // Fields are read from the text through their places in it; those set
   // since are kept as Strings and take precedence.
-  std::vector<Span> m_spans;
+  Span m_inlineSpans[kInlineSpans];
+  std::vector<Span> m_moreSpans;
+  int32_t m_spanCount = 0;  // fields still read from the text
   ObjectList m_fields;
   int32_t m_fieldCount = 0;
   uint8_t m_dirty = 0;
   mutable String* m_command = nullptr;  // made from the text when first asked for
   mutable String* m_fullCommand = nullptr;
-  uint8_t m_parsed = 1;
 };
 
 }  // namespace kx

@@ -24,12 +24,18 @@ class SentenceSplitter : public BaseObject {
   void SetChecksumMandatory(bool mandatory) { m_checksumMandatory = mandatory; }
 
  private:
-  uint8_t At(uint16_t counter) const { return m_buffer[counter % kRingSize]; }
-  bool SamePlace(uint16_t a, uint16_t b) const { return a % kRingSize == b % kRingSize; }
+  // The bytes from the scan counter on, in one piece thanks to the mirror.
+  const uint8_t* Here() const { return m_buffer + m_scan % kRingSize; }
+  int32_t Unread() const { return uint16_t(m_write - m_scan) % kRingSize; }
   bool SkipToDollar();
-  bool Passes(bool hasStar, bool noChecksum, uint16_t star, uint8_t sum) const;
+  static int32_t FindLineEnd(const uint8_t* text, int32_t limit);
+  static int32_t Find(const uint8_t* text, int32_t from, int32_t limit, uint8_t byte);
+  bool Passes(const uint8_t* text, int32_t cr) const;
+  static uint8_t Xor(const uint8_t* bytes, int32_t length);
 
-  uint8_t m_buffer[kRingSize] = {};
+  // The ring twice over: every byte is written at its place and a ring further on, so
+  // that any ring's worth of bytes from any place can be read in one piece.
+  uint8_t m_buffer[2 * kRingSize] = {};
   uint16_t m_write = 0;
   uint16_t m_end = 0;
   uint16_t m_scan = 0;
