@@ -44,7 +44,7 @@ void NmeaSentence::Close() {
   ReleaseObject(m_text);
   ReleaseObject(m_command);
   ReleaseObject(m_fullCommand);
-  m_fields.RemoveAll();
+  ReleaseObject(m_fields);
   ForgetSpans();
   m_fieldCount = 0;
   m_dirty = 0;
@@ -94,7 +94,7 @@ const NmeaSentence::Span& NmeaSentence::SpanOf(int32_t number) const {
 
 void NmeaSentence::TakeOverSpans() {
   for (int32_t number = 1; number <= m_spanCount; ++number) {
-    if (m_fields.ContainsID(number)) continue;
+    if (m_fields && m_fields->ContainsID(number)) continue;
     const Span& span = SpanOf(number);
     StoreField(number, new String(m_text->GetText() + span.begin, span.length));
   }
@@ -110,12 +110,13 @@ void NmeaSentence::ForgetSpans() {
 void NmeaSentence::StoreField(int32_t index, String* field) {
   Ref<String> owned(field);
   owned->SetID(index);
-  m_fields.Add(owned.get());
+  if (!m_fields) m_fields = new ObjectList();
+  m_fields->Add(owned.get());
 }
 
 String* NmeaSentence::GetField(int32_t index) {
-  if (m_fields.GetCount() > 0)
-    if (String* field = static_cast<String*>(m_fields.FindByID(index))) return field;
+  if (m_fields)
+    if (String* field = static_cast<String*>(m_fields->FindByID(index))) return field;
   if (index >= 1 && index <= m_spanCount) {
     const Span& span = SpanOf(index);
     return new String(m_text->GetText() + span.begin, span.length);
@@ -124,8 +125,8 @@ String* NmeaSentence::GetField(int32_t index) {
 }
 
 TextView NmeaSentence::PeekField(int32_t index) {
-  if (m_fields.GetCount() > 0)
-    if (Ref<String> field{static_cast<String*>(m_fields.FindByID(index))}) return field->View();
+  if (m_fields)
+    if (Ref<String> field{static_cast<String*>(m_fields->FindByID(index))}) return field->View();
   if (index >= 1 && index <= m_spanCount) {
     const Span& span = SpanOf(index);
     return {m_text->GetText() + span.begin, span.length};
@@ -134,7 +135,7 @@ TextView NmeaSentence::PeekField(int32_t index) {
 }
 
 void NmeaSentence::SetField(int32_t index, const String* value) {
-  m_fields.RemoveByID(index);
+  if (m_fields) m_fields->RemoveByID(index);
   StoreField(index, new String(value));
   if (index > m_fieldCount) m_fieldCount = index;
   m_dirty = 1;

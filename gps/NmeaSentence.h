@@ -65,7 +65,7 @@ class NmeaSentence : public BaseObject {
   Span m_inlineSpans[kInlineSpans];
   std::vector<Span> m_moreSpans;
   int32_t m_spanCount = 0;  // fields still read from the text
-  ObjectList m_fields;
+  ObjectList* m_fields = nullptr;  // made when the first field is set
   int32_t m_fieldCount = 0;
   uint8_t m_dirty = 0;
   mutable String* m_command = nullptr;  // made from the text when first asked for

@@ -2,6 +2,7 @@
 // by queue and by polling, the status, and the settings' refusals.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -218,11 +219,14 @@ TEST_F(NmeaParserTest, PollingWaitsForNews) {
   EXPECT_EQ(none, nullptr);
   EXPECT_EQ(Error(), "10006 NoEvents must be set!");
   NmeaParser_SetNoEvents(parser, 1);
-  std::thread feeder([this] {
-    // The waiter exists once this status says so; a fix parsed later wakes it.
-    for (int i = 0; i < 1000; ++i) NmeaParser_Parse(parser, kGga);
+  // Only a fix parsed after the waiter exists wakes it: the feeder goes on until then,
+  // however late this thread comes to wait.
+  std::atomic<bool> woken{false};
+  std::thread feeder([this, &woken] {
+    for (int i = 0; i < 100000 && !woken; ++i) NmeaParser_Parse(parser, kGga);
   });
   KxGpsFix fix = NmeaParser_GetGpsFix(parser, 10000, 3);
+  woken = true;
   feeder.join();
   ASSERT_NE(fix, nullptr);
   EXPECT_EQ(GpsFix_GetFixType(fix), 3);
