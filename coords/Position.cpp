@@ -75,7 +75,7 @@ double NmeaAngle(TextView text, int16_t& degreesOut, int16_t& minutesOut, double
 
 }  // namespace
 
-Position::Position() : m_engine(new DatumGridEngine()) {}
+Position::Position() = default;
 
 Position::Position(const String* latitude, const String* longitude,
                    const String* latitudeHemisphere, const String* longitudeHemisphere,
@@ -86,29 +86,28 @@ Position::Position(const String* latitude, const String* longitude,
 
 Position::Position(TextView latitude, TextView longitude, TextView latitudeHemisphere,
                    TextView longitudeHemisphere, TextView altitude, TextView separation,
-                   int16_t datum)
-    : m_engine(new DatumGridEngine()) {
+                   int16_t datum) {
   m_pristine = 0;
-  m_engine->datum = datum;
+  m_engine.datum = datum;
   const double lon =
       NmeaAngle(longitude, m_longitude.degrees, m_longitude.minutes, m_longitude.seconds);
-  m_engine->longitude = longitudeHemisphere.StartsWith('W') ? -lon : lon;
+  m_engine.longitude = longitudeHemisphere.StartsWith('W') ? -lon : lon;
   const double lat =
       NmeaAngle(latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
-  m_engine->latitude = latitudeHemisphere.StartsWith('S') ? -lat : lat;
+  m_engine.latitude = latitudeHemisphere.StartsWith('S') ? -lat : lat;
   m_altitudeSeaLevel = altitude.ToDouble();
-  m_engine->altitudeEllipsoid =
+  m_engine.altitudeEllipsoid =
       separation.IsPresent() ? m_altitudeSeaLevel + separation.ToDouble() : 0;
 }
 
-Position::~Position() { ReleaseObject(m_engine); }
+Position::~Position() = default;
 
 // ---- bringing the stale side up to date ------------------------------------------
 
 bool Position::RefreshGeographic() {
   if (!m_geographicStale) return true;
-  m_engine->ProjectInverse();
-  if (CopyError(m_engine) != 0) return false;
+  m_engine.ProjectInverse();
+  if (CopyError(&m_engine) != 0) return false;
   RefreshSexagesimal();
   m_geographicStale = 0;
   return true;
@@ -116,8 +115,8 @@ bool Position::RefreshGeographic() {
 
 bool Position::RefreshGrid() {
   if (!m_gridStale) return true;
-  m_engine->ProjectForward();
-  if (CopyError(m_engine) != 0) return false;
+  m_engine.ProjectForward();
+  if (CopyError(&m_engine) != 0) return false;
   m_gridStale = 0;
   return true;
 }
@@ -125,14 +124,14 @@ bool Position::RefreshGrid() {
 // The sexagesimal forms are worked out when first read after a write: the same values
 // as at the write, since nothing else changes the radians without a refresh.
 void Position::RefreshSexagesimal() {
-  m_engine->longitude = NormalisedLongitude(m_engine->longitude);
+  m_engine.longitude = NormalisedLongitude(m_engine.longitude);
   m_latitudeFormStale = 1;
   m_longitudeFormStale = 1;
 }
 
 const Position::Sexagesimal& Position::LatitudeForm() {
   if (m_latitudeFormStale) {
-    ToSexagesimal(m_engine->latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
+    ToSexagesimal(m_engine.latitude, m_latitude.degrees, m_latitude.minutes, m_latitude.seconds);
     m_latitudeFormStale = 0;
   }
   return m_latitude;
@@ -140,7 +139,7 @@ const Position::Sexagesimal& Position::LatitudeForm() {
 
 const Position::Sexagesimal& Position::LongitudeForm() {
   if (m_longitudeFormStale) {
-    ToSexagesimal(m_engine->longitude, m_longitude.degrees, m_longitude.minutes,
+    ToSexagesimal(m_engine.longitude, m_longitude.degrees, m_longitude.minutes,
                   m_longitude.seconds);
     m_longitudeFormStale = 0;
   }
@@ -148,7 +147,7 @@ const Position::Sexagesimal& Position::LongitudeForm() {
 }
 
 void Position::StoreLatitude(double radians) {
-  m_engine->latitude = radians;
+  m_engine.latitude = radians;
   m_latitudeFormStale = 1;
   m_gridStale = 1;
   m_geographicStale = 0;
@@ -156,7 +155,7 @@ void Position::StoreLatitude(double radians) {
 }
 
 void Position::StoreLongitude(double radians) {
-  m_engine->longitude = NormalisedLongitude(radians);
+  m_engine.longitude = NormalisedLongitude(radians);
   m_longitudeFormStale = 1;
   m_gridStale = 1;
   m_geographicStale = 0;
@@ -170,7 +169,7 @@ double Position::GetLatitudeRads() {
   ClearError();
   Touch();
   RefreshGeographic();
-  return m_engine->latitude;
+  return m_engine.latitude;
 }
 
 void Position::SetLatitudeRads(double radians) {
@@ -189,7 +188,7 @@ double Position::GetLongitudeRads() {
   ClearError();
   Touch();
   RefreshGeographic();
-  return m_engine->longitude;
+  return m_engine.longitude;
 }
 
 void Position::SetLongitudeRads(double radians) {
@@ -220,7 +219,7 @@ void Position::GetLatitudeDMS(int16_t& degrees, int16_t& minutes, double& second
   ClearError();
   Touch();
   RefreshGeographic();
-  GetDMS(LatitudeForm(), m_engine->latitude < 0, 'N', 'S', degrees, minutes, seconds, hemisphere);
+  GetDMS(LatitudeForm(), m_engine.latitude < 0, 'N', 'S', degrees, minutes, seconds, hemisphere);
 }
 
 void Position::GetLongitudeDMS(int16_t& degrees, int16_t& minutes, double& seconds,
@@ -229,7 +228,7 @@ void Position::GetLongitudeDMS(int16_t& degrees, int16_t& minutes, double& secon
   ClearError();
   Touch();
   RefreshGeographic();
-  GetDMS(LongitudeForm(), m_engine->longitude < 0, 'E', 'W', degrees, minutes, seconds, hemisphere);
+  GetDMS(LongitudeForm(), m_engine.longitude < 0, 'E', 'W', degrees, minutes, seconds, hemisphere);
 }
 
 void Position::SetLatitudeDMS(double degrees, double minutes, double seconds,
@@ -269,7 +268,7 @@ String* Position::GetLatitudeString(int16_t format) {
   ClearError();
   Touch();
   RefreshGeographic();
-  return AngleText(LatitudeForm(), m_engine->latitude < 0 ? 'S' : 'N', format, 1);
+  return AngleText(LatitudeForm(), m_engine.latitude < 0 ? 'S' : 'N', format, 1);
 }
 
 String* Position::GetLongitudeString(int16_t format) {
@@ -277,7 +276,7 @@ String* Position::GetLongitudeString(int16_t format) {
   ClearError();
   Touch();
   RefreshGeographic();
-  return AngleText(LongitudeForm(), m_engine->longitude < 0 ? 'W' : 'E', format, 2);
+  return AngleText(LongitudeForm(), m_engine.longitude < 0 ? 'W' : 'E', format, 2);
 }
 
 // ---- altitude ---------------------------------------------------------------------
@@ -288,7 +287,7 @@ double Position::GetAltitude(int16_t kind) {
   Touch();
   RefreshGeographic();
   if (kind == kAltitudeSeaLevel) return m_altitudeSeaLevel;
-  if (kind == kAltitudeEllipsoid) return m_engine->altitudeEllipsoid;
+  if (kind == kAltitudeEllipsoid) return m_engine.altitudeEllipsoid;
   SetError(kErrInvalidArgument, text::kInvalidParameter);
   return 0;
 }
@@ -300,7 +299,7 @@ void Position::SetAltitude(double metres, int16_t kind) {
   if (kind == kAltitudeSeaLevel)
     m_altitudeSeaLevel = metres;
   else if (kind == kAltitudeEllipsoid)
-    m_engine->altitudeEllipsoid = metres;
+    m_engine.altitudeEllipsoid = metres;
   else
     SetError(kErrInvalidArgument, text::kInvalidParameter);
   Changed();
@@ -313,7 +312,7 @@ double Position::GetEasting() {
   ClearError();
   Touch();
   RefreshGrid();
-  return m_engine->easting;
+  return m_engine.easting;
 }
 
 double Position::GetNorthing() {
@@ -321,14 +320,14 @@ double Position::GetNorthing() {
   ClearError();
   Touch();
   RefreshGrid();
-  return m_engine->northing;
+  return m_engine.northing;
 }
 
 void Position::SetEasting(double metres) {
   LockScope lock;
   ClearError();
   Touch();
-  m_engine->easting = metres;
+  m_engine.easting = metres;
   m_geographicStale = 1;
   m_gridStale = 0;
   Changed();
@@ -338,7 +337,7 @@ void Position::SetNorthing(double metres) {
   LockScope lock;
   ClearError();
   Touch();
-  m_engine->northing = metres;
+  m_engine.northing = metres;
   m_geographicStale = 1;
   m_gridStale = 0;
   Changed();
@@ -347,15 +346,15 @@ void Position::SetNorthing(double metres) {
 String* Position::GetZone() {
   LockScope lock;
   ClearError();
-  if (m_engine->grid != GridCatalogue::kNoGrid) {
+  if (m_engine.grid != GridCatalogue::kNoGrid) {
     Touch();
     RefreshGrid();
   }
-  return m_engine->GetZoneText();
+  return m_engine.GetZoneText();
 }
 
 bool Position::AcceptsZone(int16_t zone) const {
-  switch (GridCatalogue::FamilyOf(m_engine->grid)) {
+  switch (GridCatalogue::FamilyOf(m_engine.grid)) {
     case ZoneFamily::kUtm:
       return zone >= 1 && zone <= 60;
     case ZoneFamily::kGaussKrueger3:
@@ -377,9 +376,9 @@ void Position::SetZone(const String* text) {
   ClearError();
   Touch();
   const int16_t zone = text ? text->ToShort() : 0;
-  if (zone == m_engine->zone) return;
-  m_engine->forcedZone = 0;
-  const ZoneFamily family = GridCatalogue::FamilyOf(m_engine->grid);
+  if (zone == m_engine.zone) return;
+  m_engine.forcedZone = 0;
+  const ZoneFamily family = GridCatalogue::FamilyOf(m_engine.grid);
   if (family == ZoneFamily::kNone) return;  // a grid without zones ignores them
   if (!AcceptsZone(zone)) {
     SetError(kErrInvalidArgument, kInvalidZone);
@@ -387,10 +386,10 @@ void Position::SetZone(const String* text) {
   }
   RefreshGeographic();
   if (family == ZoneFamily::kUtm || family == ZoneFamily::kGaussKrueger3)
-    m_engine->forcedZone = zone;
+    m_engine.forcedZone = zone;
   m_gridStale = 1;
   if (Error().Failed()) return;
-  m_engine->zone = zone;
+  m_engine.zone = zone;
   Changed();
 }
 
@@ -400,14 +399,14 @@ int16_t Position::GetDatum() {
   LockScope lock;
   ClearError();
   Touch();
-  return m_engine->datum;
+  return m_engine.datum;
 }
 
 int16_t Position::GetGrid() {
   LockScope lock;
   ClearError();
   Touch();
-  return m_engine->grid;
+  return m_engine.grid;
 }
 
 // A change of datum by state: a new position takes only the label; where easting and
@@ -422,7 +421,7 @@ void Position::ChangeDatumBy(const Label& label, const Shift& shift) {
     RefreshGeographic();
   } else {
     shift();
-    CopyError(m_engine);
+    CopyError(&m_engine);
     RefreshSexagesimal();
   }
   Changed();
@@ -446,8 +445,8 @@ void Position::SetDatum(int16_t id) {
     SetError(kErrInvalidArgument, kUseCustomDatum);
     return;
   }
-  if (id == m_engine->datum) return;
-  ChangeDatumBy([&] { m_engine->datum = id; }, [&] { m_engine->ChangeDatum(id); });
+  if (id == m_engine.datum) return;
+  ChangeDatumBy([&] { m_engine.datum = id; }, [&] { m_engine.ChangeDatum(id); });
 }
 
 void Position::SetCustomDatum(CustomDatum* datum) {
@@ -457,9 +456,9 @@ void Position::SetCustomDatum(CustomDatum* datum) {
     SetError(kErrInvalidArgument, kNullCustomDatum);
     return;
   }
-  if (m_engine->datum == DatumTable::kCustom && datum->IsSame(m_engine->customDatum)) return;
-  ChangeDatumBy([&] { m_engine->AttachCustomDatum(datum); },
-                [&] { m_engine->ChangeCustomDatum(datum); });
+  if (m_engine.datum == DatumTable::kCustom && datum->IsSame(m_engine.customDatum)) return;
+  ChangeDatumBy([&] { m_engine.AttachCustomDatum(datum); },
+                [&] { m_engine.ChangeCustomDatum(datum); });
 }
 
 void Position::SetGrid(int16_t id) {
@@ -473,11 +472,11 @@ void Position::SetGrid(int16_t id) {
     SetError(kErrInvalidArgument, kUseCustomGrid);
     return;
   }
-  if (id == m_engine->grid) return;
+  if (id == m_engine.grid) return;
   PrepareGridChange();
-  m_engine->grid = id;
-  m_engine->zone = 0;
-  m_engine->ForgetZoneText();
+  m_engine.grid = id;
+  m_engine.zone = 0;
+  m_engine.ForgetZoneText();
   Changed();
 }
 
@@ -488,23 +487,23 @@ void Position::SetCustomGrid(CustomGrid* grid) {
     SetError(kErrInvalidArgument, kNullCustomGrid);
     return;
   }
-  if (m_engine->grid == GridCatalogue::kCustom && m_engine->customGrid &&
-      m_engine->customGrid->IsSame(grid))
+  if (m_engine.grid == GridCatalogue::kCustom && m_engine.customGrid &&
+      m_engine.customGrid->IsSame(grid))
     return;
   PrepareGridChange();
-  m_engine->AttachCustomGrid(grid);
-  m_engine->ForgetZoneText();
+  m_engine.AttachCustomGrid(grid);
+  m_engine.ForgetZoneText();
   Changed();
 }
 
 CustomDatum* Position::GetCustomDatum() {
   LockScope lock;
-  return m_engine->GetCustomDatum();
+  return m_engine.GetCustomDatum();
 }
 
 CustomGrid* Position::GetCustomGrid() {
   LockScope lock;
-  return m_engine->GetCustomGrid();
+  return m_engine.GetCustomGrid();
 }
 
 // ---- comparing and copying --------------------------------------------------------
@@ -513,8 +512,8 @@ bool Position::IsSameDatum(Position* other) {
   LockScope lock;
   ClearError();
   if (!other) return false;
-  const int16_t datum = m_engine->datum;
-  if (datum != other->m_engine->datum) return false;
+  const int16_t datum = m_engine.datum;
+  if (datum != other->m_engine.datum) return false;
   if (datum != DatumTable::kCustom) return true;
   Ref<CustomDatum> mine(GetCustomDatum());
   Ref<CustomDatum> theirs(other->GetCustomDatum());
@@ -524,40 +523,40 @@ bool Position::IsSameDatum(Position* other) {
 bool Position::IsSameGrid(Position* other) {
   LockScope lock;
   ClearError();
-  if (!other || m_engine->grid == GridCatalogue::kNoGrid) return false;
-  if (m_engine->grid != other->m_engine->grid) return false;
-  if (m_engine->grid == GridCatalogue::kCustom) {
+  if (!other || m_engine.grid == GridCatalogue::kNoGrid) return false;
+  if (m_engine.grid != other->m_engine.grid) return false;
+  if (m_engine.grid == GridCatalogue::kCustom) {
     Ref<CustomGrid> mine(GetCustomGrid());
     Ref<CustomGrid> theirs(other->GetCustomGrid());
     return mine->IsSame(theirs.get());
   }
   Ref<String> zoneText(other->GetZone());
-  return m_engine->zone == zoneText->ToInt();
+  return m_engine.zone == zoneText->ToInt();
 }
 
 void Position::MakeSameDatum(Position* other) {
   LockScope lock;
   ClearError();
   if (!other) return;
-  if (other->m_engine->datum == DatumTable::kCustom) {
+  if (other->m_engine.datum == DatumTable::kCustom) {
     Ref<CustomDatum> datum(other->GetCustomDatum());
     SetCustomDatum(datum.get());
   } else {
-    SetDatum(other->m_engine->datum);
+    SetDatum(other->m_engine.datum);
   }
 }
 
 void Position::MakeSameGrid(Position* other) {
   LockScope lock;
   ClearError();
-  if (!other || other->m_engine->grid == GridCatalogue::kNoGrid) return;
-  if (other->m_engine->grid == GridCatalogue::kCustom) {
+  if (!other || other->m_engine.grid == GridCatalogue::kNoGrid) return;
+  if (other->m_engine.grid == GridCatalogue::kCustom) {
     Ref<CustomGrid> grid(other->GetCustomGrid());
     SetCustomGrid(grid.get());
     return;
   }
   Ref<String> zone(other->GetZone());
-  SetGrid(other->m_engine->grid);
+  SetGrid(other->m_engine.grid);
   SetZone(zone.get());
 }
 
@@ -572,8 +571,8 @@ Position* Position::Copy() {
     copy->m_geographicStale = m_geographicStale;
     copy->m_gridStale = m_gridStale;
     copy->m_pristine = m_pristine;
-    DatumGridEngine& from = *m_engine;
-    DatumGridEngine& to = *copy->m_engine;
+    DatumGridEngine& from = m_engine;
+    DatumGridEngine& to = copy->m_engine;
     to.altitudeEllipsoid = from.altitudeEllipsoid;
     to.longitude = from.longitude;
     to.latitude = from.latitude;

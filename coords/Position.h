@@ -116,7 +116,7 @@ class Position : public BaseObject {
   bool ReadGeographic(double& latitude, double& longitude);
   bool ReadGrid(double& easting, double& northing);
 
-  DatumGridEngine* m_engine;
+  DatumGridEngine m_engine;
   double m_altitudeSeaLevel = 0;
   Sexagesimal m_latitude;
   Sexagesimal m_longitude;
