@@ -53,6 +53,15 @@ class DecodedSentence : public BaseObject {
     if (object) object->AddRef();
     return object;
   }
+  // The object with the decoder's own reference, which forgets it: for a caller that
+  // keeps the value and lets the decoder go.
+  template <class T>
+  T* Take(T*& field) {
+    T* object = field;
+    field = nullptr;
+    m_dirty = 1;
+    return object;
+  }
   // The NMEA position constructor with these fields (0 for none).
   Position* PositionOf(int32_t latitude, int32_t latitudeHemisphere, int32_t longitude,
                        int32_t longitudeHemisphere, int32_t altitude, int32_t separation,

@@ -47,23 +47,23 @@ GpsFix::~GpsFix() {
 
 void GpsFix::FromRMC(NmeaSentence* sentence, int16_t datum, Position* lastGgaPosition) {
   SentenceRMC rmc(sentence, datum);
-  m_position = rmc.GetPosition();
-  m_dateTime = rmc.GetDateTime();
+  m_position = rmc.TakePosition();
+  m_dateTime = rmc.TakeDateTime();
   if (rmc.GetValid()) TakeAltitudes(lastGgaPosition);
 }
 
 void GpsFix::FromGLL(NmeaSentence* sentence, int16_t datum, Position* lastGgaPosition,
                      DateTime* lastDateTime) {
   SentenceGLL gll(sentence, datum);
-  m_position = gll.GetPosition();
-  m_dateTime = OnLastDate(Ref<DateTime>(gll.GetTime()).get(), lastDateTime);
+  m_position = gll.TakePosition();
+  m_dateTime = OnLastDate(Ref<DateTime>(gll.TakeTime()).get(), lastDateTime);
   if (gll.GetValid()) TakeAltitudes(lastGgaPosition);
 }
 
 void GpsFix::FromGGA(NmeaSentence* sentence, int16_t datum, DateTime* lastDateTime) {
   SentenceGGA gga(sentence, datum);
-  m_position = gga.GetPosition();
-  m_dateTime = OnLastDate(Ref<DateTime>(gga.GetTime()).get(), lastDateTime);
+  m_position = gga.TakePosition();
+  m_dateTime = OnLastDate(Ref<DateTime>(gga.TakeTime()).get(), lastDateTime);
   m_fixType = gga.GetValid() ? kFix3D : kNoFix;
 }
 

@@ -9,7 +9,7 @@ namespace kx {
 
 namespace {
 template <class Decoded>
-void Take(const Decoded& decoded, double& speed, double& heading, double& variation, bool& valid) {
+void TakeMovement(const Decoded& decoded, double& speed, double& heading, double& variation, bool& valid) {
   speed = decoded.GetSpeed(SpeedUnit::kKnots);
   heading = decoded.GetCourse();
   variation = decoded.GetMagneticVariation();
@@ -20,9 +20,9 @@ void Take(const Decoded& decoded, double& speed, double& heading, double& variat
 Movement::Movement(NmeaSentence* sentence) {
   const int32_t type = sentence ? sentence->GetType() : NmeaSentence::kNone;
   if (type == NmeaSentence::kRMC)
-    Take(SentenceRMC(sentence, 1), m_speed, m_heading, m_magneticVariation, m_valid);
+    TakeMovement(SentenceRMC(sentence, SentenceRMC::MovementOnly{}), m_speed, m_heading, m_magneticVariation, m_valid);
   else if (type == NmeaSentence::kVTG)
-    Take(SentenceVTG(sentence), m_speed, m_heading, m_magneticVariation, m_valid);
+    TakeMovement(SentenceVTG(sentence), m_speed, m_heading, m_magneticVariation, m_valid);
 }
 
 double Movement::GetSpeed(int32_t unit) {

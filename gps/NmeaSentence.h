@@ -22,6 +22,8 @@ class NmeaSentence : public BaseObject {
   // Replaces everything; a null text or one shorter than 6 characters leaves the
   // sentence empty. Checksums aren't tested here.
   void SetSentence(const String* text);
+  // The same, taking over the caller's reference to the text.
+  void AdoptSentence(String* text);
   // The text, rebuilt first when a field or the command changed; null when there is none.
   String* GetSentence();
   int32_t GetFieldCount() const { return m_fieldCount; }

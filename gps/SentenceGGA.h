@@ -23,9 +23,11 @@ class SentenceGGA : public DecodedSentence {
   double GetHDOP() const { return m_hdop; }
   void SetHDOP(double hdop) { Change(m_hdop, hdop); }
   Position* GetPosition() const { return Share(m_position); }
+  Position* TakePosition() { return Take(m_position); }
   Position* GetPositionCopy() const { return CopyOf(m_position); }
   void SetPosition(Position* position);  // keeps a copy
   DateTime* GetTime() const { return Share(m_time); }
+  DateTime* TakeTime() { return Take(m_time); }
   void SetTime(DateTime* time) { Replace(m_time, time); }
 
  private:

@@ -19,9 +19,11 @@ class SentenceGLL : public DecodedSentence {
   bool GetValid() const { return m_valid; }
   void SetValid(bool valid) { Change(m_valid, valid); }
   Position* GetPosition() const { return Share(m_position); }
+  Position* TakePosition() { return Take(m_position); }
   Position* GetPositionCopy() const { return CopyOf(m_position); }
   void SetPosition(Position* position);  // keeps a copy
   DateTime* GetTime() const { return Share(m_time); }
+  DateTime* TakeTime() { return Take(m_time); }
   void SetTime(DateTime* time) { Replace(m_time, time); }
 
  private:

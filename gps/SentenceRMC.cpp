@@ -22,11 +22,15 @@ void SentenceRMC::Close() {
 // Fields are read whatever the status says.
 void SentenceRMC::Parse(NmeaSentence* sentence, int16_t datum) {
   if (!Adopt(sentence, NmeaSentence::kRMC)) return;
-  m_valid = FirstIs(2, 'A');
+  ParseMovement();
   m_position = PositionOf(3, 4, 5, 6, 0, 0, datum);
+  m_dateTime = new DateTime(Field(9), Field(1));
+}
+
+void SentenceRMC::ParseMovement() {
+  m_valid = FirstIs(2, 'A');
   m_speed = Number(7);
   m_course = Number(8);
-  m_dateTime = new DateTime(Field(9), Field(1));
   m_magneticVariation = FirstIs(11, 'W') ? -Number(10) : Number(10);
 }
 

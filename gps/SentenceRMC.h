@@ -9,6 +9,12 @@ class SentenceRMC : public DecodedSentence {
  public:
   SentenceRMC() = default;
   SentenceRMC(NmeaSentence* sentence, int16_t datum) { Parse(sentence, datum); }
+  // Status, speed, course and variation only: what a movement needs, without the
+  // position and the time.
+  struct MovementOnly {};
+  SentenceRMC(NmeaSentence* sentence, MovementOnly) {
+    if (Adopt(sentence, NmeaSentence::kRMC)) ParseMovement();
+  }
   ~SentenceRMC() override;
 
   //   $GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A
@@ -27,13 +33,16 @@ class SentenceRMC : public DecodedSentence {
   // Speed and course from east and north components in metres per second.
   void SetVelocity(double x, double y);
   Position* GetPosition() const { return Share(m_position); }
+  Position* TakePosition() { return Take(m_position); }
   Position* GetPositionCopy() const { return CopyOf(m_position); }
   void SetPosition(Position* position);  // keeps a copy
   DateTime* GetDateTime() const { return Share(m_dateTime); }
+  DateTime* TakeDateTime() { return Take(m_dateTime); }
   void SetDateTime(DateTime* dateTime) { Replace(m_dateTime, dateTime); }
 
  private:
   void Compose(NmeaSentence& sentence) override;
+  void ParseMovement();
 
   double m_speed = 0;  // knots
   bool m_valid = false;

@@ -115,7 +115,7 @@ NmeaSentence* SentenceSplitter::GetSentence() const {
   if (length < 0) length = 0;
   auto* sentence = new NmeaSentence();
   const char* text = reinterpret_cast<const char*>(m_buffer + m_start % kRingSize);
-  sentence->SetSentence(Ref<String>(new String(text, length)).get());
+  sentence->AdoptSentence(new String(text, length));
   return sentence;
 }
 
