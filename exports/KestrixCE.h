@@ -115,6 +115,7 @@ typedef struct KxSatellite_* KxSatellite;
 typedef struct KxSatellites_* KxSatellites;
 typedef struct KxComStatus_* KxComStatus;
 typedef struct KxNmeaParser_* KxNmeaParser;
+typedef struct KxShape_* KxShape;
 
 /* ---- errors ----------------------------------------------------------------------- */
 /* Classes of failure. A failing system call reports its own last-error value instead. */
@@ -363,6 +364,107 @@ KX_API KxComStatus NmeaParser_GetComStatus(KxNmeaParser parser);
 KX_API void NmeaParser_WriteData(KxNmeaParser parser, const WCHAR* data, short length);
 /* text as if from a port; complete sentences are handled at once, on this thread */
 KX_API void NmeaParser_Parse(KxNmeaParser parser, const WCHAR* text);
+
+/* ---- Shape: parts of nodes with X, Y, Z, M, walked through one cursor --------------- */
+/* Values are read and written at the cursor (PartIndex, NodeIndex) through a working
+ * copy that goes to storage when the cursor moves. Coordinates mean what the
+ * DatumGridTemplate says: easting and northing of its grid, else longitude and latitude
+ * in degrees. ModifiedCount goes up with every change. Each call holds the library's
+ * lock; Shape_LockObject and Shape_UnlockObject (they nest) make a sequence atomic. */
+KX_API KxShape Shape_New(void);
+KX_API void Shape_Delete(KxShape shape);
+KX_API KxError Shape_GetErrHandle(KxShape shape);
+KX_API void Shape_LockObject(KxShape shape);
+KX_API void Shape_UnlockObject(KxShape shape);
+
+KX_API int Shape_GetPartIndex(KxShape shape);
+/* -1 is the last part; each change of part lands on its first node */
+KX_API void Shape_SetPartIndex(KxShape shape, int part);
+KX_API int Shape_GetNodeIndex(KxShape shape);
+/* -1 is the last node */
+KX_API void Shape_SetNodeIndex(KxShape shape, int node);
+KX_API int Shape_GetPartCount(KxShape shape);
+/* nodes in the active part */
+KX_API int Shape_GetNodeCount(KxShape shape);
+KX_API int Shape_GetTotalNodeCount(KxShape shape);
+KX_API int Shape_GetModifiedCount(KxShape shape);
+KX_API int Shape_GetShapeID(KxShape shape);
+KX_API void Shape_SetShapeID(KxShape shape, int id);
+KX_API int Shape_GetNodeID(KxShape shape);
+/* a new reference for the caller, or 0 */
+KX_API KxPosition Shape_GetDatumGridTemplate(KxShape shape);
+KX_API void Shape_SetDatumGridTemplate(KxShape shape, KxPosition position);
+KX_API KxBool Shape_GetPixelShape(KxShape shape);
+KX_API void Shape_SetPixelShape(KxShape shape, KxBool pixels);
+
+KX_API void Shape_GetX(KxShape shape, double* value);
+KX_API void Shape_SetX(KxShape shape, const double* value);
+KX_API void Shape_GetY(KxShape shape, double* value);
+KX_API void Shape_SetY(KxShape shape, const double* value);
+KX_API void Shape_GetZ(KxShape shape, double* value);
+KX_API void Shape_SetZ(KxShape shape, const double* value);
+KX_API void Shape_GetM(KxShape shape, double* value);
+KX_API void Shape_SetM(KxShape shape, const double* value);
+KX_API void Shape_GetNode(KxShape shape, double* x, double* y, double* z, double* m);
+KX_API void Shape_SetNode(KxShape shape, const double* x, const double* y, const double* z,
+                          const double* m);
+/* the position brought to the template (which it becomes if there is none) into X and
+ * Y; Z and M become 0. The two are one operation. */
+KX_API void Shape_SetPosition(KxShape shape, KxPosition position);
+KX_API void Shape_SetNode2(KxShape shape, KxPosition position);
+/* the shape's one position object, holding X and Y; a later call overwrites it */
+KX_API KxPosition Shape_GetPosition(KxShape shape);
+/* a node with the next NodeID at the index (-1 appends), holding the values of the node
+ * that was active until others are set */
+KX_API void Shape_NewNode(KxShape shape, int index);
+KX_API void Shape_DeleteNode(KxShape shape);
+
+/* -1 appends; a shape without nodes keeps its one empty part */
+KX_API void Shape_NewPart(KxShape shape, int index);
+KX_API void Shape_ClearPart(KxShape shape);
+KX_API void Shape_DeletePart(KxShape shape);
+/* also forgets the DatumGridTemplate */
+KX_API void Shape_ClearShape(KxShape shape);
+/* new shapes for the caller; Shape_Copy2 copies nodes first to last (-1: the last) of
+ * the active part */
+KX_API KxShape Shape_Copy(KxShape shape);
+KX_API KxShape Shape_Copy2(KxShape shape, int first, int last);
+KX_API void Shape_GetBoundingBox(KxShape shape, double* minX, double* maxX, double* minY,
+                                 double* maxY, double* minZ, double* maxZ, double* minM,
+                                 double* maxM);
+/* fixed-size shapes: set FixedSize before the first use, then announce the part count
+ * and each part's node count before filling it */
+KX_API KxBool Shape_GetFixedSize(KxShape shape);
+KX_API void Shape_SetFixedSize(KxShape shape, KxBool fixed);
+KX_API void Shape_FixedPartCount(KxShape shape, int parts);
+KX_API void Shape_FixedNodeCount(KxShape shape, int part, int nodes);
+
+/* Geometry. Polygons follow the shape-file convention: outer rings clockwise, holes
+ * counter-clockwise, first node equal to last. Comparisons are exact. The measures
+ * store their result in *out and return out. */
+/* signed, positive clockwise; in the shape's units squared, refused for a datum */
+KX_API double* Shape_Area(KxShape shape, double* out);
+KX_API double* Shape_PartArea(KxShape shape, double* out);
+/* along the active part from node first to last (-1: the last), in metres through
+ * Position_Distance: in the grid plane, or on the sphere for a datum */
+KX_API double* Shape_Distance(KxShape shape, int first, int last, double* out);
+/* strictly inside the bounds, by the crossings of a ray; parts combine even-odd */
+KX_API KxBool Shape_IsInside(KxShape shape, const double* x, const double* y);
+KX_API KxBool Shape_IsInside2(KxShape shape, KxPosition position);
+KX_API KxBool Shape_IsIntersecting(KxShape shape, KxShape other);
+KX_API KxBool Shape_IsCleanPolygon(KxShape shape);
+/* the distance in the shape's units; the cursor stays on the node found, or on the
+ * first node of the edge found */
+KX_API double* Shape_FindClosestNode(KxShape shape, const double* x, const double* y,
+                                     double* out);
+KX_API double* Shape_FindClosestNode2(KxShape shape, KxPosition position, double* out);
+KX_API double* Shape_FindClosestVector(KxShape shape, const double* x, const double* y,
+                                       double* out);
+KX_API double* Shape_FindClosestVector2(KxShape shape, KxPosition position, double* out);
+/* reverses the nodes of the active part: a ring becomes a hole and back */
+KX_API void Shape_InvertPart(KxShape shape);
+/* rewrites every node into the target's datum or grid, which becomes the template */
+KX_API void Shape_ConvertDatumGrid(KxShape shape, KxPosition target);
 
 #ifdef __cplusplus
 }
