@@ -93,7 +93,7 @@ DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, D
     return WAIT_FAILED;
   }
   for (DWORD i = 0; i < count; ++i) {
-    if (!handles[i]) {
+    if (!KernelObject::FromHandle(handles[i])) {
       SetLastError(ERROR_INVALID_HANDLE);
       return WAIT_FAILED;
     }

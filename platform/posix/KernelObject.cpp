@@ -33,3 +33,14 @@ bool KernelObject::TryAcquireLocked() {
 }
 
 }  // namespace platform
+
+BOOL CloseHandle(HANDLE handle) {
+  platform::KernelObject* object = platform::KernelObject::FromHandle(handle);
+  if (!object) {
+    SetLastError(ERROR_INVALID_HANDLE);
+    return FALSE;
+  }
+  const BOOL closed = object->Close();
+  object->Release();
+  return closed;
+}

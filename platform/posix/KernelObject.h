@@ -1,6 +1,6 @@
-// What a HANDLE of an event or a thread points at: a counted waitable object. All
-// signalling goes through one process-wide mutex and condition variable, so that a wait
-// for any of several objects sees each of them change.
+// What a HANDLE of an event, a thread or a byte stream points at: a counted waitable
+// object. All signalling goes through one process-wide mutex and condition variable, so
+// that a wait for any of several objects sees each of them change.
 #pragma once
 
 #include <pthread.h>
@@ -15,12 +15,15 @@ namespace platform {
 
 class KernelObject {
  public:
-  enum class Kind { kEvent, kThread };
+  enum class Kind { kEvent, kThread, kStream };
 
   KernelObject(Kind kind, bool manualReset) : m_kind(kind), m_manualReset(manualReset) {}
   virtual ~KernelObject() = default;
 
-  static KernelObject* FromHandle(HANDLE handle) { return static_cast<KernelObject*>(handle); }
+  // Null for the two handles that stand for none: null and INVALID_HANDLE_VALUE.
+  static KernelObject* FromHandle(HANDLE handle) {
+    return handle == INVALID_HANDLE_VALUE ? nullptr : static_cast<KernelObject*>(handle);
+  }
   HANDLE AsHandle() { return this; }
   Kind GetKind() const { return m_kind; }
 
@@ -28,6 +31,9 @@ class KernelObject {
   void Release() {
     if (m_refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
   }
+  // What CloseHandle does besides giving up the handle's reference: a thread is joined or
+  // let go, a stream lets go of its file or device.
+  virtual BOOL Close() { return TRUE; }
 
   // Signal state; each takes the hub's lock itself.
   void Signal();
@@ -51,6 +57,7 @@ class KernelObject {
 class ThreadObject : public KernelObject {
  public:
   ThreadObject() : KernelObject(Kind::kThread, true) {}
+  BOOL Close() override;
   pthread_t thread{};
   LPTHREAD_START_ROUTINE start = nullptr;
   LPVOID parameter = nullptr;

@@ -7,7 +7,6 @@
 
 #include "platform/posix/KernelObject.h"
 
-using platform::KernelObject;
 using platform::ThreadObject;
 
 namespace {
@@ -21,16 +20,15 @@ void* ThreadBody(void* argument) {
   return nullptr;
 }
 
-bool CloseThread(ThreadObject* thread) {
-  if (thread->finished.load(std::memory_order_acquire))
-    pthread_join(thread->thread, nullptr);  // returns at once: the routine is over
-  else
-    pthread_detach(thread->thread);
-  thread->Release();
-  return true;
-}
-
 }  // namespace
+
+BOOL platform::ThreadObject::Close() {
+  if (finished.load(std::memory_order_acquire))
+    pthread_join(thread, nullptr);  // returns at once: the routine is over
+  else
+    pthread_detach(thread);
+  return TRUE;
+}
 
 HANDLE CreateThread(SECURITY_ATTRIBUTES*, size_t stackSize, LPTHREAD_START_ROUTINE start,
                     LPVOID parameter, DWORD, DWORD* threadId) {
@@ -60,18 +58,6 @@ HANDLE CreateThread(SECURITY_ATTRIBUTES*, size_t stackSize, LPTHREAD_START_ROUTI
   static std::atomic<DWORD> lastThreadId{0};
   if (threadId) *threadId = ++lastThreadId;
   return thread->AsHandle();
-}
-
-BOOL CloseHandle(HANDLE handle) {
-  KernelObject* object = KernelObject::FromHandle(handle);
-  if (!object) {
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
-  }
-  if (object->GetKind() == KernelObject::Kind::kThread)
-    return CloseThread(static_cast<ThreadObject*>(object));
-  object->Release();
-  return TRUE;
 }
 
 void Sleep(DWORD milliseconds) {

@@ -1,0 +1,172 @@
+// Files on file descriptors, with the Windows rules where POSIX has others: dispositions
+// instead of open flags, directories refused, access checked by the handle. Sharing modes
+// are not enforced: POSIX has no mandatory locks to build them on.
+#include "platform/posix/FileObject.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <new>
+
+#include "platform/posix/SystemError.h"
+
+namespace platform {
+
+namespace {
+
+int AccessFlags(DWORD access) {
+  const bool read = access & GENERIC_READ, write = access & GENERIC_WRITE;
+  if (read && write) return O_RDWR;
+  return write ? O_WRONLY : O_RDONLY;
+}
+
+int OpenDescriptor(const std::string& path, int flags) {
+  int descriptor;
+  do {
+    descriptor = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
+  } while (descriptor < 0 && errno == EINTR);
+  return descriptor;
+}
+
+// A missing file is ERROR_FILE_NOT_FOUND, a missing directory on its way
+// ERROR_PATH_NOT_FOUND, as on the device.
+DWORD OpenError(const std::string& path) {
+  const int error = errno;
+  if (error != ENOENT) return ErrorFromErrno(error);
+  const size_t slash = path.rfind('/');
+  if (slash == std::string::npos || slash == 0) return ERROR_FILE_NOT_FOUND;
+  struct stat status;
+  const bool folderThere = ::stat(path.substr(0, slash).c_str(), &status) == 0;
+  return folderThere ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
+}
+
+// Opens by the disposition. CREATE_ALWAYS and OPEN_ALWAYS tell by ERROR_ALREADY_EXISTS
+// that the file was there, so they try the exclusive creation first.
+int OpenByDisposition(const std::string& path, int flags, DWORD disposition) {
+  switch (disposition) {
+    case OPEN_EXISTING:
+      return OpenDescriptor(path, flags);
+    case CREATE_NEW:
+      return OpenDescriptor(path, flags | O_CREAT | O_EXCL);
+    case CREATE_ALWAYS:
+    case OPEN_ALWAYS: {
+      const int descriptor = OpenDescriptor(path, flags | O_CREAT | O_EXCL);
+      if (descriptor >= 0 || errno != EEXIST) return descriptor;
+      SetLastError(ERROR_ALREADY_EXISTS);
+      return OpenDescriptor(path, flags | (disposition == CREATE_ALWAYS ? O_TRUNC : 0));
+    }
+    default:
+      errno = EINVAL;
+      return -1;
+  }
+}
+
+bool IsDirectory(int descriptor) {
+  struct stat status;
+  return ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+FileObject* FileObject::Open(const std::string& path, DWORD access, DWORD disposition) {
+  SetLastError(ERROR_SUCCESS);
+  const int descriptor = OpenByDisposition(path, AccessFlags(access), disposition);
+  if (descriptor < 0) {
+    SetLastError(OpenError(path));
+    return nullptr;
+  }
+  if (IsDirectory(descriptor)) {
+    ::close(descriptor);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return nullptr;
+  }
+  auto* file = new (std::nothrow) FileObject(descriptor, access);
+  if (!file) {
+    ::close(descriptor);
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  }
+  return file;
+}
+
+FileObject* FileObject::FromHandle(HANDLE handle) {
+  StreamObject* stream = StreamObject::FromHandle(handle);
+  auto* file = dynamic_cast<FileObject*>(stream);
+  if (stream && !file) SetLastError(ERROR_INVALID_HANDLE);
+  return file;
+}
+
+FileObject::~FileObject() { Close(); }
+
+BOOL FileObject::Read(void* buffer, DWORD count, DWORD& done) {
+  done = 0;
+  if (!(m_access & GENERIC_READ)) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+  }
+  // A disk file gives all that is asked unless the end comes first, as on the device.
+  auto* bytes = static_cast<char*>(buffer);
+  while (done < count) {
+    const ssize_t got = ::read(m_descriptor, bytes + done, count - done);
+    if (got == 0) break;
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      return FailFromErrno();
+    }
+    done += DWORD(got);
+  }
+  return TRUE;
+}
+
+BOOL FileObject::Write(const void* data, DWORD count, DWORD& done) {
+  done = 0;
+  if (!(m_access & GENERIC_WRITE)) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+  }
+  const auto* bytes = static_cast<const char*>(data);
+  while (done < count) {
+    const ssize_t put = ::write(m_descriptor, bytes + done, count - done);
+    if (put < 0) {
+      if (errno == EINTR) continue;
+      return FailFromErrno();
+    }
+    done += DWORD(put);
+  }
+  return TRUE;
+}
+
+BOOL FileObject::Flush() { return ::fsync(m_descriptor) == 0 ? TRUE : FailFromErrno(); }
+
+BOOL FileObject::Close() {
+  if (m_descriptor < 0) return TRUE;
+  const int descriptor = m_descriptor;
+  m_descriptor = -1;
+  // After close, even a failed one, the descriptor is gone: no retry on EINTR.
+  return ::close(descriptor) == 0 || errno == EINTR ? TRUE : FailFromErrno();
+}
+
+BOOL FileObject::PositionFrom(int64_t distance, DWORD moveMethod, int64_t& position) {
+  off_t base = 0;
+  if (moveMethod == FILE_CURRENT) {
+    base = ::lseek(m_descriptor, 0, SEEK_CUR);
+  } else if (moveMethod == FILE_END) {
+    struct stat status;
+    base = ::fstat(m_descriptor, &status) == 0 ? status.st_size : -1;
+  } else if (moveMethod != FILE_BEGIN) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+  }
+  if (base < 0) return FailFromErrno();
+  position = int64_t(base) + distance;
+  if (position >= 0) return TRUE;
+  SetLastError(ERROR_NEGATIVE_SEEK);
+  return FALSE;
+}
+
+BOOL FileObject::MoveTo(int64_t position) {
+  return ::lseek(m_descriptor, off_t(position), SEEK_SET) < 0 ? FailFromErrno() : TRUE;
+}
+
+}  // namespace platform

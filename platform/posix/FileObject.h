@@ -1,0 +1,36 @@
+// An open file behind a handle: a file descriptor and the access it was opened for.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/posix/StreamObject.h"
+
+namespace platform {
+
+class FileObject : public StreamObject {
+ public:
+  // The file at a POSIX path, with CreateFileW's access and disposition; null with the
+  // last error set when it can't be opened.
+  static FileObject* Open(const std::string& path, DWORD access, DWORD disposition);
+  // Null, with ERROR_INVALID_HANDLE, for a handle that isn't an open file.
+  static FileObject* FromHandle(HANDLE handle);
+
+  BOOL Read(void* buffer, DWORD count, DWORD& done) override;
+  BOOL Write(const void* data, DWORD count, DWORD& done) override;
+  BOOL Flush() override;
+  BOOL Close() override;
+  // The position `distance` from the start, the present position or the end; one before
+  // the start is refused with ERROR_NEGATIVE_SEEK.
+  BOOL PositionFrom(int64_t distance, DWORD moveMethod, int64_t& position);
+  BOOL MoveTo(int64_t position);
+
+ private:
+  FileObject(int descriptor, DWORD access) : m_descriptor(descriptor), m_access(access) {}
+  ~FileObject() override;
+
+  int m_descriptor;
+  const DWORD m_access;
+};
+
+}  // namespace platform

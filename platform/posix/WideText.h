@@ -1,0 +1,15 @@
+// Wide text of the Windows names (UTF-16) and the 8-bit text of the system (UTF-8).
+#pragma once
+
+#include <string>
+
+#include "platform/win32ce.h"
+
+namespace platform {
+
+// A lone surrogate comes out as U+FFFD.
+std::string ToUtf8(const std::u16string& text);
+// Malformed bytes come out as U+FFFD.
+std::u16string FromUtf8(const std::string& utf8);
+
+}  // namespace platform

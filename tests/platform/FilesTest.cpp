@@ -1,0 +1,153 @@
+// The platform's files: Windows dispositions and errors on file descriptors, paths with
+// either separator, and device names that never reach the file system.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "platform/win32ce.h"
+#include "tests/support/TempDirectory.h"
+
+namespace {
+
+std::u16string Wide(const std::string& text) { return std::u16string(text.begin(), text.end()); }
+
+HANDLE Open(const std::string& path, DWORD access, DWORD disposition) {
+  return CreateFileW(Wide(path).c_str(), access, 0, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
+                     nullptr);
+}
+
+std::string Contents(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+void Put(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+TEST(Files, WriteSeekAndReadThroughBackslashedPaths) {
+  kxtest::TempDirectory directory;
+  HANDLE file = Open(directory.Path() + "\\data.bin", GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  DWORD done = 0;
+  EXPECT_TRUE(WriteFile(file, "hello world", 11, &done, nullptr));
+  EXPECT_EQ(done, 11u);
+  EXPECT_TRUE(FlushFileBuffers(file));
+  EXPECT_EQ(SetFilePointer(file, -5, nullptr, FILE_END), 6u);
+  char bytes[32] = {};
+  EXPECT_TRUE(ReadFile(file, bytes, sizeof bytes, &done, nullptr));
+  EXPECT_EQ(std::string(bytes, done), "world");
+  EXPECT_TRUE(ReadFile(file, bytes, sizeof bytes, &done, nullptr));  // the end is no failure
+  EXPECT_EQ(done, 0u);
+
+  // A position before the start is refused and nothing moves.
+  EXPECT_EQ(SetFilePointer(file, -12, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
+  EXPECT_EQ(GetLastError(), ERROR_NEGATIVE_SEEK);
+  EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), 11u);
+  // Without a high part, a position beyond 32 bits has nowhere to go.
+  EXPECT_EQ(SetFilePointer(file, 0x7FFFFFFF, nullptr, FILE_BEGIN), 0x7FFFFFFFu);
+  EXPECT_EQ(SetFilePointer(file, 0x7FFFFFFF, nullptr, FILE_CURRENT), 0xFFFFFFFEu);
+  EXPECT_EQ(SetFilePointer(file, 2, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
+  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+  LONG high = 1;
+  EXPECT_EQ(SetFilePointer(file, 2, &high, FILE_CURRENT), 0u);
+  EXPECT_EQ(high, 2);
+  EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+  EXPECT_TRUE(CloseHandle(file));
+  EXPECT_EQ(Contents(directory / "data.bin"), "hello world");
+}
+
+TEST(Files, DispositionsAndTheirErrorsAsOnTheDevice) {
+  kxtest::TempDirectory directory;
+  const std::string path = directory / "file.txt";
+  EXPECT_EQ(Open(path, GENERIC_READ, OPEN_EXISTING), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Open(directory / "missing/file.txt", GENERIC_WRITE, CREATE_ALWAYS),
+            INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+  EXPECT_EQ(Open(directory.Path(), GENERIC_READ, OPEN_EXISTING), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+
+  HANDLE file = Open(path, GENERIC_WRITE, OPEN_ALWAYS);
+  EXPECT_EQ(GetLastError(), ERROR_SUCCESS);  // it wasn't there
+  WriteFile(file, "abc", 3, nullptr, nullptr);
+  CloseHandle(file);
+  EXPECT_EQ(Open(path, GENERIC_WRITE, CREATE_NEW), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_FILE_EXISTS);
+  file = Open(path, GENERIC_WRITE, OPEN_ALWAYS);
+  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+  CloseHandle(file);
+  EXPECT_EQ(Contents(path), "abc");
+  file = Open(path, GENERIC_WRITE, CREATE_ALWAYS);
+  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+  CloseHandle(file);
+  EXPECT_EQ(Contents(path), "");
+  EXPECT_EQ(Open(path, GENERIC_WRITE, 9), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+}
+
+TEST(Files, TheHandleDecidesWhatMayBeDone) {
+  kxtest::TempDirectory directory;
+  Put(directory / "file.txt", "abc");
+  char byte;
+  DWORD done = 7;
+  HANDLE reader = Open(directory / "file.txt", GENERIC_READ, OPEN_EXISTING);
+  EXPECT_FALSE(WriteFile(reader, "x", 1, &done, nullptr));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(done, 0u);
+  HANDLE writer = Open(directory / "file.txt", GENERIC_WRITE, OPEN_EXISTING);
+  EXPECT_FALSE(ReadFile(writer, &byte, 1, &done, nullptr));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  CloseHandle(reader);
+  CloseHandle(writer);
+
+  HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  for (HANDLE notAFile : {HANDLE(nullptr), INVALID_HANDLE_VALUE, event}) {
+    SetLastError(0);
+    EXPECT_FALSE(ReadFile(notAFile, &byte, 1, &done, nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(SetFilePointer(notAFile, 0, nullptr, FILE_BEGIN), INVALID_SET_FILE_POINTER);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(FlushFileBuffers(notAFile));
+  }
+  EXPECT_FALSE(CloseHandle(INVALID_HANDLE_VALUE));
+  CloseHandle(event);
+}
+
+// A file of the port's name in the working directory is never what "COM3:" opens.
+TEST(Files, SerialDeviceNamesGoToThePortsNotToFiles) {
+  kxtest::TempDirectory directory;
+  char* previous = getcwd(nullptr, 0);
+  ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+  Put("COM3:", "not a port");
+  for (const char16_t* port : {u"COM3:", u"com12:"}) {
+    EXPECT_EQ(CreateFileW(port, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                          FILE_ATTRIBUTE_NORMAL, nullptr),
+              INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  }
+  for (const char16_t* file : {u"COM3", u"COM:", u"COMX:", u"COM3:x"}) {
+    HANDLE handle = CreateFileW(file, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    EXPECT_NE(handle, INVALID_HANDLE_VALUE);
+    CloseHandle(handle);
+  }
+  EXPECT_EQ(chdir(previous), 0);
+  free(previous);
+}
+
+TEST(Files, DeleteFileByEitherSeparator) {
+  kxtest::TempDirectory directory;
+  Put(directory / "gone.txt", "x");
+  EXPECT_TRUE(DeleteFileW(Wide(directory.Path() + "\\gone.txt").c_str()));
+  EXPECT_FALSE(DeleteFileW(Wide(directory / "gone.txt").c_str()));
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_FALSE(DeleteFileW(Wide(directory.Path()).c_str()));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+}
+
+}  // namespace
