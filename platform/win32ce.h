@@ -43,6 +43,7 @@ constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
 constexpr DWORD ERROR_ACCESS_DENIED = 5;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_INVALID_DATA = 13;
 constexpr DWORD ERROR_GEN_FAILURE = 31;
 constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_FILE_EXISTS = 80;
@@ -51,6 +52,9 @@ constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr DWORD ERROR_MORE_DATA = 234;
+constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
+constexpr DWORD ERROR_KEY_DELETED = 1018;
 constexpr DWORD ERROR_TIMEOUT = 1460;
 constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
 constexpr DWORD ERROR_CANNOT_FIND_WND_CLASS = 1407;
@@ -152,6 +156,47 @@ BOOL WriteFile(HANDLE file, LPCVOID data, DWORD count, DWORD* written, OVERLAPPE
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD moveMethod);
 BOOL FlushFileBuffers(HANDLE file);
 BOOL DeleteFileW(LPCWSTR name);
+
+// ---- registry ---------------------------------------------------------------------------
+// Key names are compared without regard to case. Deleting a key deletes its sub-keys, as on
+// the device.
+typedef struct HKEY__* HKEY;
+typedef DWORD REGSAM;
+#define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(uintptr_t(0x80000000u)))
+#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(uintptr_t(0x80000001u)))
+#define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(uintptr_t(0x80000002u)))
+#define HKEY_USERS (reinterpret_cast<HKEY>(uintptr_t(0x80000003u)))
+
+constexpr DWORD REG_NONE = 0;
+constexpr DWORD REG_SZ = 1;
+constexpr DWORD REG_BINARY = 3;
+constexpr DWORD REG_DWORD = 4;
+constexpr DWORD REG_MULTI_SZ = 7;
+constexpr DWORD REG_CREATED_NEW_KEY = 1;
+constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
+
+// The functions return ERROR_SUCCESS or an error code; they leave the last error alone.
+// Options, access masks, classes, security and reserved arguments are ignored, as the
+// device ignores them.
+LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, WCHAR* keyClass, DWORD options,
+                     REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
+                     DWORD* disposition);
+LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, HKEY* result);
+LONG RegCloseKey(HKEY key);
+LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey);
+LONG RegDeleteValueW(HKEY key, LPCWSTR name);
+LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved,
+                   WCHAR* keyClass, DWORD* classLength, FILETIME* lastWriteTime);
+LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved,
+                   DWORD* type, BYTE* data, DWORD* dataLength);
+LONG RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* data,
+                      DWORD* dataLength);
+LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
+                    DWORD dataLength);
+LONG RegQueryInfoKeyW(HKEY key, WCHAR* keyClass, DWORD* classLength, DWORD* reserved,
+                      DWORD* subKeys, DWORD* maxSubKeyLength, DWORD* maxClassLength, DWORD* values,
+                      DWORD* maxValueNameLength, DWORD* maxValueLength,
+                      DWORD* securityDescriptorLength, FILETIME* lastWriteTime);
 
 // ---- BSTR, windows and messages --------------------------------------------------------
 // What an application calls as well is declared once, in the public header: the BSTR
