@@ -13,12 +13,17 @@ std::condition_variable& KernelObject::HubCondition() {
   return *condition;
 }
 
+// Waiters only need waking when an object turns signalled: one that already was has
+// been seen by every waiter that looked, and an event set again and again by a busy
+// producer then costs no wake-ups.
 void KernelObject::Signal() {
+  bool turned;
   {
     std::lock_guard<std::mutex> lock(HubMutex());
+    turned = !m_signalled;
     m_signalled = true;
   }
-  HubCondition().notify_all();
+  if (turned) HubCondition().notify_all();
 }
 
 void KernelObject::Unsignal() {
