@@ -2,7 +2,10 @@
 // by queue and by polling, the status, and the settings' refusals.
 #include <gtest/gtest.h>
 
+#include <time.h>
+
 #include <atomic>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -232,6 +235,22 @@ TEST_F(NmeaParserTest, PollingWaitsForNews) {
   EXPECT_EQ(GpsFix_GetFixType(fix), 3);
   GpsFix_Delete(fix);
   EXPECT_EQ(NmeaParser_GetQuality(parser, 1), nullptr);  // no GSA: a time-out
+}
+
+// An engine with nothing to do sleeps in its wait: the process spends next to no CPU
+// time while the parser sits enabled with nothing arriving.
+TEST_F(NmeaParserTest, AnIdleEngineSleeps) {
+  NmeaParser_SetCallbackHWND(parser, nullptr);
+  NmeaParser_SetPortEnabled(parser, 1);
+  auto cpu = [] {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;  // milliseconds
+  };
+  const double before = cpu();
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  EXPECT_LT(cpu() - before, 10.0);
+  NmeaParser_SetPortEnabled(parser, 0);
 }
 
 TEST_F(NmeaParserTest, SettingsAndTheirRefusals) {
