@@ -16,7 +16,8 @@ struct WalkState {
   Side sideA, sideB;
   bool wrap1, wrap2;
 
-  // Nothing pending: the walk only counts j up, so pairs that can't touch may be skipped.
+  // Nothing pending: pairs that can't touch give nothing and the walk counts j up past
+  // them, so they may be skipped.
   bool Settled() const { return sideA == 0 && sideB == 0 && resumeI == 0 && resumeJ == 0; }
   bool operator==(const WalkState& o) const {
     return i == o.i && j == o.j && resumeI == o.resumeI && resumeJ == o.resumeJ &&
@@ -57,7 +58,10 @@ class PairWalk {
   const int32_t n1, n2;
   WalkState s{1, 0, 0, 0, 0, 0, false, false};
   std::unordered_set<WalkState, StateHash> m_seen;
-  int32_t m_breakI = 0, m_breakJ = 0;  // where the last loop was left
+  int32_t m_breakI = 0, m_breakJ = 0;  // where the walk went on after the last loop
+  // The last step went back to a resume point: the one way a walk can come round to a
+  // state it was in before.
+  bool m_restored = false;
 };
 
 bool PairWalk::Run() {
@@ -69,14 +73,14 @@ bool PairWalk::Run() {
       if (!Advance()) return false;
       continue;
     }
-    if (s.Settled()) {
-      if (!SkipToCandidate()) {
-        s.j = n2;
-        if (!Advance()) return false;
-        continue;
-      }
-    } else if (SeenBefore()) {
+    if ((m_restored || !s.Settled()) && SeenBefore()) {
       if (!MoveOn()) return false;
+      continue;
+    }
+    m_restored = false;
+    if (s.Settled() && !SkipToCandidate()) {
+      s.j = n2;
+      if (!Advance()) return false;
       continue;
     }
     if (Cross()) return true;
@@ -106,6 +110,7 @@ bool PairWalk::Cross() {
 // is pending, the walk returns to the places it held.
 void PairWalk::Follow() {
   if (s.sideA == 0 && s.sideB == 0) {
+    m_restored = s.resumeI || s.resumeJ;
     if (s.resumeJ) {
       s.j = s.resumeJ;
       s.resumeJ = 0;
@@ -141,6 +146,7 @@ bool PairWalk::NextJ() {
     s.resumeJ = 0;
     s.sideB = 0;
     s.wrap2 = false;
+    m_restored = true;
   }
   ++s.j;
   if (s.j >= n2) {
@@ -163,6 +169,7 @@ bool PairWalk::NextI() {
     s.resumeI = 0;
     s.sideA = 0;
     s.wrap1 = false;
+    m_restored = true;
   }
   return s.i < n1;
 }
@@ -170,22 +177,24 @@ bool PairWalk::NextI() {
 bool PairWalk::SeenBefore() { return !m_seen.insert(s).second; }
 
 // The resume points led back to a state seen before: only touches lie on that loop,
-// which give no crossing. The walk leaves it for the pair after the place it held, and
-// never for one before an earlier such exit, so that it ends.
+// which give no crossing (an open part's last segment, for one, hands its pending side
+// back to itself). The walk leaves it for the pair after the place it held, and never
+// for one before an earlier such exit, so that it ends.
 bool PairWalk::MoveOn() {
   int32_t i = s.resumeI ? s.resumeI : s.i, j = s.resumeJ ? s.resumeJ : s.j;
   if (i < m_breakI || (i == m_breakI && j < m_breakJ)) {
     i = m_breakI;
     j = m_breakJ;
   }
-  m_breakI = i;
-  m_breakJ = j;
   s = WalkState{i, j + 1, 0, 0, 0, 0, false, false};
+  m_restored = false;
   if (s.j >= n2) {
     ++s.i;
     s.j = FirstJ();
     if (s.j >= n2) return false;
   }
+  m_breakI = s.i;
+  m_breakJ = s.j;
   return s.i < n1;
 }
 
