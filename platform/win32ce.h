@@ -47,6 +47,7 @@ constexpr DWORD ERROR_INVALID_DATA = 13;
 constexpr DWORD ERROR_GEN_FAILURE = 31;
 constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_FILE_EXISTS = 80;
+constexpr DWORD ERROR_NOT_SUPPORTED = 50;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
@@ -55,6 +56,7 @@ constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_MORE_DATA = 234;
 constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
 constexpr DWORD ERROR_KEY_DELETED = 1018;
+constexpr DWORD ERROR_OPERATION_ABORTED = 995;
 constexpr DWORD ERROR_TIMEOUT = 1460;
 constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
 constexpr DWORD ERROR_CANNOT_FIND_WND_CLASS = 1407;
@@ -157,6 +159,102 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD moveM
 BOOL FlushFileBuffers(HANDLE file);
 BOOL DeleteFileW(LPCWSTR name);
 
+// ---- serial ports -------------------------------------------------------------------------
+// A port opened by CreateFileW("COMn:") answers these besides ReadFile and WriteFile.
+// CloseHandle on another thread ends a read, a write or a WaitCommEvent that blocks.
+struct DCB {
+  DWORD DCBlength;
+  DWORD BaudRate;
+  DWORD fBinary : 1;
+  DWORD fParity : 1;
+  DWORD fOutxCtsFlow : 1;
+  DWORD fOutxDsrFlow : 1;
+  DWORD fDtrControl : 2;
+  DWORD fDsrSensitivity : 1;
+  DWORD fTXContinueOnXoff : 1;
+  DWORD fOutX : 1;
+  DWORD fInX : 1;
+  DWORD fErrorChar : 1;
+  DWORD fNull : 1;
+  DWORD fRtsControl : 2;
+  DWORD fAbortOnError : 1;
+  DWORD fDummy2 : 17;
+  WORD wReserved;
+  WORD XonLim;
+  WORD XoffLim;
+  BYTE ByteSize;
+  BYTE Parity;
+  BYTE StopBits;
+  char XonChar;
+  char XoffChar;
+  char ErrorChar;
+  char EofChar;
+  char EvtChar;
+  WORD wReserved1;
+};
+constexpr DWORD NOPARITY = 0;
+constexpr DWORD ODDPARITY = 1;
+constexpr DWORD EVENPARITY = 2;
+constexpr DWORD MARKPARITY = 3;
+constexpr DWORD SPACEPARITY = 4;
+constexpr DWORD ONESTOPBIT = 0;
+constexpr DWORD ONE5STOPBITS = 1;
+constexpr DWORD TWOSTOPBITS = 2;
+constexpr DWORD DTR_CONTROL_DISABLE = 0;
+constexpr DWORD DTR_CONTROL_ENABLE = 1;
+constexpr DWORD DTR_CONTROL_HANDSHAKE = 2;
+constexpr DWORD RTS_CONTROL_DISABLE = 0;
+constexpr DWORD RTS_CONTROL_ENABLE = 1;
+constexpr DWORD RTS_CONTROL_HANDSHAKE = 2;
+
+// Milliseconds. A read returns when its buffer is full or the total time
+// (multiplier x bytes + constant) is over; with interval and multiplier both MAXDWORD it
+// returns as soon as any byte is there, waiting up to the constant for the first.
+// All zero: a read waits until the buffer is full.
+struct COMMTIMEOUTS {
+  DWORD ReadIntervalTimeout;
+  DWORD ReadTotalTimeoutMultiplier;
+  DWORD ReadTotalTimeoutConstant;
+  DWORD WriteTotalTimeoutMultiplier;
+  DWORD WriteTotalTimeoutConstant;
+};
+constexpr DWORD MAXDWORD = 0xFFFFFFFFu;
+
+// Events of WaitCommEvent: bytes received, and changes of the modem's input lines.
+constexpr DWORD EV_RXCHAR = 0x0001;
+constexpr DWORD EV_CTS = 0x0008;
+constexpr DWORD EV_DSR = 0x0010;
+constexpr DWORD EV_RLSD = 0x0020;
+constexpr DWORD EV_RING = 0x0100;
+// Input lines of GetCommModemStatus. A port without modem lines reports them all off.
+constexpr DWORD MS_CTS_ON = 0x0010;
+constexpr DWORD MS_DSR_ON = 0x0020;
+constexpr DWORD MS_RING_ON = 0x0040;
+constexpr DWORD MS_RLSD_ON = 0x0080;
+// EscapeCommFunction. Output lines of a port without modem lines take any setting.
+constexpr DWORD SETRTS = 3;
+constexpr DWORD CLRRTS = 4;
+constexpr DWORD SETDTR = 5;
+constexpr DWORD CLRDTR = 6;
+constexpr DWORD SETBREAK = 8;
+constexpr DWORD CLRBREAK = 9;
+constexpr DWORD SETIR = 10;
+constexpr DWORD CLRIR = 11;
+// PurgeComm: what waits to be sent, what waits to be read.
+constexpr DWORD PURGE_TXCLEAR = 0x0004;
+constexpr DWORD PURGE_RXCLEAR = 0x0008;
+
+BOOL GetCommState(HANDLE port, DCB* dcb);
+BOOL SetCommState(HANDLE port, DCB* dcb);
+BOOL GetCommTimeouts(HANDLE port, COMMTIMEOUTS* timeouts);
+BOOL SetCommTimeouts(HANDLE port, COMMTIMEOUTS* timeouts);
+// A SetCommMask while WaitCommEvent waits ends the wait with no event.
+BOOL SetCommMask(HANDLE port, DWORD mask);
+BOOL WaitCommEvent(HANDLE port, DWORD* mask, OVERLAPPED* overlapped);
+BOOL GetCommModemStatus(HANDLE port, DWORD* status);
+BOOL EscapeCommFunction(HANDLE port, DWORD function);
+BOOL PurgeComm(HANDLE port, DWORD flags);
+
 // ---- registry ---------------------------------------------------------------------------
 // Key names are compared without regard to case. Deleting a key deletes its sub-keys, as on
 // the device.
@@ -203,3 +301,29 @@ LONG RegQueryInfoKeyW(HKEY key, WCHAR* keyClass, DWORD* classLength, DWORD* rese
 // functions (length-prefixed wide text, a 32-bit byte count in front of the characters
 // and a wide NUL behind them) and the windows and their message queues.
 #include "exports/KestrixCE.h"
+
+// ---- programs -------------------------------------------------------------------------
+// Starts a program with a command line of parameters; it is not waited for. With
+// SEE_MASK_NOCLOSEPROCESS, hProcess receives a handle that is signalled when the program
+// has ended, for the caller to close.
+struct SHELLEXECUTEINFO {
+  DWORD cbSize;
+  DWORD fMask;
+  HWND hwnd;
+  LPCWSTR lpVerb;
+  LPCWSTR lpFile;
+  LPCWSTR lpParameters;
+  LPCWSTR lpDirectory;
+  int nShow;
+  HINSTANCE hInstApp;
+  LPVOID lpIDList;
+  LPCWSTR lpClass;
+  HKEY hkeyClass;
+  DWORD dwHotKey;
+  HANDLE hIcon;
+  HANDLE hProcess;
+};
+constexpr DWORD SEE_MASK_NOCLOSEPROCESS = 0x00000040;
+constexpr DWORD SEE_MASK_FLAG_NO_UI = 0x00000400;
+constexpr int SW_SHOWNORMAL = 1;
+BOOL ShellExecuteEx(SHELLEXECUTEINFO* info);

@@ -22,12 +22,11 @@ std::string PathOf(LPCWSTR name) {
 }
 
 // Holds a reference on a stream for the length of a call, so that a CloseHandle on
-// another thread, which is how a blocked read is ended, can't free it under the caller.
+// another thread, which is how a blocked read is ended, can't free it under the caller;
+// a handle closed just before the call fails instead of reaching a freed stream.
 class StreamInUse {
  public:
-  explicit StreamInUse(HANDLE handle) : m_stream(StreamObject::FromHandle(handle)) {
-    if (m_stream) m_stream->AddRef();
-  }
+  explicit StreamInUse(HANDLE handle) : m_stream(StreamObject::Acquire(handle)) {}
   ~StreamInUse() {
     if (m_stream) m_stream->Release();
   }

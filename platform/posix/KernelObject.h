@@ -15,7 +15,7 @@ namespace platform {
 
 class KernelObject {
  public:
-  enum class Kind { kEvent, kThread, kStream };
+  enum class Kind { kEvent, kThread, kStream, kProcess };
 
   KernelObject(Kind kind, bool manualReset) : m_kind(kind), m_manualReset(manualReset) {}
   virtual ~KernelObject() = default;
@@ -28,6 +28,14 @@ class KernelObject {
   Kind GetKind() const { return m_kind; }
 
   void AddRef() { m_refs.fetch_add(1, std::memory_order_relaxed); }
+  // A reference only while the object still has one: for a look-up that may meet an
+  // object whose last Release is under way.
+  bool TryAddRef() {
+    int refs = m_refs.load(std::memory_order_relaxed);
+    while (refs > 0)
+      if (m_refs.compare_exchange_weak(refs, refs + 1, std::memory_order_acquire)) return true;
+    return false;
+  }
   void Release() {
     if (m_refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
   }

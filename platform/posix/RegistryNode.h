@@ -39,6 +39,12 @@ class RegistryNode {
   void SetValue(const std::u16string& name, DWORD type, std::vector<BYTE> data);
   bool RemoveValue(const std::u16string& name);
 
+  // A key that describes the machine rather than what was written, as the active drivers
+  // of the serial devices present: the file leaves it out, but not its sub-keys that
+  // aren't such keys themselves.
+  void MarkMachineMade() { m_machineMade = true; }
+  bool IsMachineMade() const { return m_machineMade; }
+
  private:
   std::vector<std::unique_ptr<RegistryNode>>::const_iterator LowerBound(
       const std::u16string& name) const;
@@ -46,6 +52,7 @@ class RegistryNode {
   std::u16string m_name;
   std::vector<std::unique_ptr<RegistryNode>> m_children;
   std::vector<RegistryValue> m_values;
+  bool m_machineMade = false;
 };
 
 }  // namespace platform

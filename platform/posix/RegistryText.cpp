@@ -117,7 +117,9 @@ void WriteValue(const RegistryValue& value, std::string& out) {
 }
 
 void WriteKey(const RegistryNode& key, const std::string& path, bool root, std::string& out) {
-  if (!key.Values().empty() || (!root && key.Children().empty())) {
+  // A key the machine made writes nothing of its own, only the sub-keys written into it.
+  const bool written = !key.IsMachineMade();
+  if (written && (!key.Values().empty() || (!root && key.Children().empty()))) {
     out += "\n[" + path + "]\n";
     for (const RegistryValue& value : key.Values()) WriteValue(value, out);
   }

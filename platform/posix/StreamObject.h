@@ -8,7 +8,8 @@ namespace platform {
 
 class StreamObject : public KernelObject {
  public:
-  StreamObject() : KernelObject(Kind::kStream, true) {}
+  StreamObject();
+  ~StreamObject() override;
 
   // Null, with ERROR_INVALID_HANDLE as the last error, for a handle of anything else.
   static StreamObject* FromHandle(HANDLE handle) {
@@ -17,6 +18,10 @@ class StreamObject : public KernelObject {
     SetLastError(ERROR_INVALID_HANDLE);
     return nullptr;
   }
+  // The stream with a reference for the caller, only while it lives: a worker thread may
+  // still hold a handle that its owner has just closed on another thread, which is how a
+  // serial port stops its readers. Null with ERROR_INVALID_HANDLE otherwise.
+  static StreamObject* Acquire(HANDLE handle);
 
   // Each returns FALSE with the last error set on failure; `done` counts the bytes that
   // moved all the same. Reads and writes may block; another thread's CloseHandle is the

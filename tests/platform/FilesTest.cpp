@@ -121,6 +121,7 @@ TEST(Files, TheHandleDecidesWhatMayBeDone) {
 
 // A file of the port's name in the working directory is never what "COM3:" opens.
 TEST(Files, SerialDeviceNamesGoToThePortsNotToFiles) {
+  kxtest::PrivateRegistry noPorts;
   kxtest::TempDirectory directory;
   char* previous = getcwd(nullptr, 0);
   ASSERT_EQ(chdir(directory.Path().c_str()), 0);

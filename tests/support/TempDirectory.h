@@ -52,11 +52,14 @@ class ScopedEnvironment {
   std::optional<std::string> m_old;
 };
 
-// The registry of one test: never the user's.
+// The registry of one test: never the user's, and without the machine's serial devices
+// among its active drivers, which are looked for in an empty directory.
 class PrivateRegistry {
  public:
   PrivateRegistry()
-      : m_location(m_directory / "registry"), m_variable("KESTRIX_REGISTRY", m_location.c_str()) {}
+      : m_location(m_directory / "registry"),
+        m_variable("KESTRIX_REGISTRY", m_location.c_str()),
+        m_devices("KESTRIX_DEVICES", (m_directory / "dev").c_str()) {}
   const std::string& File() const { return m_location; }
   const TempDirectory& Directory() const { return m_directory; }
 
@@ -64,6 +67,7 @@ class PrivateRegistry {
   TempDirectory m_directory;
   std::string m_location;
   ScopedEnvironment m_variable;
+  ScopedEnvironment m_devices;
 };
 
 }  // namespace kxtest

@@ -1,0 +1,135 @@
+// A serial line made of a pseudo-terminal, for tests that need a real port: the port's
+// side (/dev/pts/N) is what CreateFileW("COMn:") opens once it is registered as a COM
+// port, and the device's side is the master, which the test reads and writes as the
+// device at the other end of the cable would.
+//
+// The line keeps a descriptor of the port's side open all the time, in raw mode, so that
+// the device can send before the port opens and after it closes (without one the master
+// reads nothing but errors), and so that a test can look at the line's termios.
+#pragma once
+
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+
+#include "platform/win32ce.h"
+
+namespace kxtest {
+
+class PseudoTerminal {
+ public:
+  PseudoTerminal() {
+    m_device = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (m_device < 0 || grantpt(m_device) != 0 || unlockpt(m_device) != 0) return;
+    char name[64];
+    if (ptsname_r(m_device, name, sizeof name) != 0) return;
+    m_portPath = name;
+    m_portSide = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios raw;
+    if (m_portSide >= 0 && tcgetattr(m_portSide, &raw) == 0) {
+      cfmakeraw(&raw);
+      tcsetattr(m_portSide, TCSANOW, &raw);
+    }
+  }
+  ~PseudoTerminal() {
+    Disconnect();
+    if (m_portSide >= 0) ::close(m_portSide);
+  }
+  PseudoTerminal(const PseudoTerminal&) = delete;
+  PseudoTerminal& operator=(const PseudoTerminal&) = delete;
+
+  bool IsReady() const { return m_device >= 0 && m_portSide >= 0; }
+  const std::string& PortPath() const { return m_portPath; }
+
+  // Bytes from the device to the port.
+  bool Send(const std::string& bytes) {
+    return m_device >= 0 && ::write(m_device, bytes.data(), bytes.size()) == ssize_t(bytes.size());
+  }
+  // What the port sent, until `count` bytes have come or the time is over.
+  std::string Receive(size_t count, int milliseconds) {
+    std::string bytes;
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    while (m_device >= 0 && bytes.size() < count) {
+      const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                            deadline - std::chrono::steady_clock::now())
+                            .count();
+      pollfd ready = {m_device, POLLIN, 0};
+      if (left <= 0 || ::poll(&ready, 1, int(left)) <= 0) break;
+      char block[512];
+      const ssize_t got = ::read(m_device, block, std::min(sizeof block, count - bytes.size()));
+      if (got <= 0) break;
+      bytes.append(block, size_t(got));
+    }
+    return bytes;
+  }
+  // The device goes away: the port's side hangs up.
+  void Disconnect() {
+    if (m_device >= 0) ::close(m_device);
+    m_device = -1;
+  }
+  // The line's settings, as the port last made them.
+  termios Settings() const {
+    termios line{};
+    tcgetattr(m_portSide, &line);
+    return line;
+  }
+
+ private:
+  int m_device = -1;
+  int m_portSide = -1;
+  std::string m_portPath;
+};
+
+// An entry under HKEY_LOCAL_MACHINE\Drivers\Active that makes a device path a COM port,
+// removed again at the end of the scope. Meant for a test's private registry.
+class ComPortEntry {
+ public:
+  ComPortEntry(int port, const std::string& devicePath)
+      : m_entry(u"Drivers\\Active\\test" + Wide(std::to_string(port))) {
+    HKEY key = nullptr;
+    RegCreateKeyExW(HKEY_LOCAL_MACHINE, m_entry.c_str(), 0, nullptr, 0, 0, nullptr, &key, nullptr);
+    SetText(key, u"Name", "COM" + std::to_string(port) + ":");
+    SetText(key, u"DevicePath", devicePath);
+    RegCloseKey(key);
+  }
+  ~ComPortEntry() { RegDeleteKeyW(HKEY_LOCAL_MACHINE, m_entry.c_str()); }
+  ComPortEntry(const ComPortEntry&) = delete;
+  ComPortEntry& operator=(const ComPortEntry&) = delete;
+
+  static std::u16string Wide(const std::string& text) {
+    return std::u16string(text.begin(), text.end());
+  }
+  static void SetText(HKEY key, const char16_t* name, const std::string& text) {
+    const std::u16string wide = Wide(text);
+    RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(wide.c_str()),
+                   DWORD((wide.size() + 1) * 2));
+  }
+
+ private:
+  std::u16string m_entry;
+};
+
+// A pseudo-terminal registered as COMn: in the registry that is in use, which should be
+// the test's own (PrivateRegistry).
+class SimulatedComPort {
+ public:
+  explicit SimulatedComPort(int port) : m_port(port), m_entry(port, m_line.PortPath()) {}
+
+  int Port() const { return m_port; }
+  std::u16string DeviceName() const { return ComPortEntry::Wide("COM" + std::to_string(m_port) + ":"); }
+  PseudoTerminal& Line() { return m_line; }
+
+ private:
+  int m_port;
+  PseudoTerminal m_line;
+  ComPortEntry m_entry;
+};
+
+}  // namespace kxtest
