@@ -1,5 +1,6 @@
 #include "gps/NmeaParser.h"
 
+#include "frame/ByteBuffer.h"
 #include "frame/ErrorNumbers.h"
 #include "frame/LibraryLock.h"
 #include "frame/Ref.h"
@@ -457,13 +458,20 @@ ComStatus* NmeaParser::GetComStatus() {
 }
 
 // The serial port comes with the live links; until then there is nothing to write to.
-void NmeaParser::WriteData(const String*) {
+void NmeaParser::WriteData(const String* text) {
   ClearError();
   if (!m_portEnabled) {
     SetError(kErrInvalidState, kMustBeEnabled);
     return;
   }
-  if (m_portNumber == 0 || m_baudRate == 0) SetError(kErrInvalidState, kAutodetect);
+  if (m_portNumber == 0 || m_baudRate == 0) {
+    SetError(kErrInvalidState, kAutodetect);
+    return;
+  }
+  if (!text) return;
+  m_input->Write(Ref<ByteBuffer>(new ByteBuffer(reinterpret_cast<const uint8_t*>(text->GetText()),
+                                                text->GetLength()))
+                     .get());
 }
 
 void NmeaParser::Parse(const String* text) {
