@@ -123,8 +123,12 @@ bool PortEnumerator::IsValidBaudRate(uint32_t baudRate) {
 }
 
 ObjectList* PortEnumerator::ListBaudRates() {
-  return ListOf({{"4800", 4800}, {"9600", 9600}, {"14400", 14400}, {"19200", 19200},
-                 {"38400", 38400}, {"57600", 57600}});
+  return ListOf({{"4800", 4800},
+                 {"9600", 9600},
+                 {"14400", 14400},
+                 {"19200", 19200},
+                 {"38400", 38400},
+                 {"57600", 57600}});
 }
 
 ObjectList* PortEnumerator::ListHandshakes() {

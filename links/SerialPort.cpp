@@ -56,8 +56,8 @@ SerialPort::SerialPort()
 SerialPort::~SerialPort() {
   Close();
   for (Thread** thread : {&m_reader, &m_writer, &m_modemWatcher}) ReleaseObject(*thread);
-  for (Event** event : {&m_readerStop, &m_writerStop, &m_modemStop, &m_received,
-                        &m_writeRequest, &m_sent, &m_error, &m_modem})
+  for (Event** event : {&m_readerStop, &m_writerStop, &m_modemStop, &m_received, &m_writeRequest,
+                        &m_sent, &m_error, &m_modem})
     ReleaseObject(*event);
 }
 
@@ -84,9 +84,8 @@ void SerialPort::Open() {
 }
 
 bool SerialPort::OpenHandle() {
-  const HANDLE handle =
-      CreateFileW(DeviceName(m_port).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const HANDLE handle = CreateFileW(DeviceName(m_port).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
+                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle != INVALID_HANDLE_VALUE) {
     m_handle = handle;
     return true;
@@ -335,9 +334,7 @@ void SerialPort::SetReceiveEnabled(bool enabled) {
   CloseGate(m_receiveGate, enabled, m_receivedQueue);
 }
 
-void SerialPort::SetSentNoticeEnabled(bool enabled) {
-  CloseGate(m_sentGate, enabled, m_sentQueue);
-}
+void SerialPort::SetSentNoticeEnabled(bool enabled) { CloseGate(m_sentGate, enabled, m_sentQueue); }
 
 void SerialPort::SetModemNoticeEnabled(bool enabled) {
   CloseGate(m_modemGate, enabled, m_modemQueue);

@@ -27,7 +27,15 @@ class SerialPort : public BaseObject {
   enum TimeoutMode : int32_t { kReturnOnAny = 1, kCollect = 2 };
   // Modem notices: 0 no line changed; then on and off for each line.
   enum ModemNotice : int32_t {
-    kNoChange = 0, kDsrOn, kDsrOff, kCtsOn, kCtsOff, kRingOn, kRingOff, kRlsdOn, kRlsdOff
+    kNoChange = 0,
+    kDsrOn,
+    kDsrOff,
+    kCtsOn,
+    kCtsOff,
+    kRingOn,
+    kRingOff,
+    kRlsdOn,
+    kRlsdOff
   };
 
   SerialPort();

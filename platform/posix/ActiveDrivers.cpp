@@ -27,8 +27,7 @@ int FamilyOf(const std::string& name, long& number) {
     if (name.size() <= prefix.size() || name.compare(0, prefix.size(), prefix) != 0) continue;
     char* end = nullptr;
     number = std::strtol(name.c_str() + prefix.size(), &end, 10);
-    if (*end == 0 && std::isdigit(static_cast<unsigned char>(name[prefix.size()])))
-      return family;
+    if (*end == 0 && std::isdigit(static_cast<unsigned char>(name[prefix.size()]))) return family;
   }
   return -1;
 }
@@ -146,7 +145,8 @@ std::vector<SerialDeviceFound> FindSerialDevices() {
   });
   std::vector<SerialDeviceFound> devices;
   for (const Candidate& candidate : candidates)
-    devices.push_back({candidate.name, directory + "/" + candidate.name, ProductOf(candidate.name)});
+    devices.push_back(
+        {candidate.name, directory + "/" + candidate.name, ProductOf(candidate.name)});
   return devices;
 }
 

@@ -19,7 +19,8 @@ constexpr DWORD kLongestKeyName = 256;
 long PortNumber(const std::u16string& name) {
   if (!IsSerialDeviceName(name.c_str())) return -1;
   long number = 0;
-  for (size_t i = 3; name[i] != u':' && number < 100000; ++i) number = number * 10 + (name[i] - u'0');
+  for (size_t i = 3; name[i] != u':' && number < 100000; ++i)
+    number = number * 10 + (name[i] - u'0');
   return number;
 }
 

@@ -338,8 +338,7 @@ bool SerialObject::ApplyLineControl(const DCB& dcb) {
 }
 
 bool SerialObject::ChangeModemLine(int line, bool on) {
-  if (::ioctl(m_descriptor, on ? TIOCMBIS : TIOCMBIC, &line) == 0 || HasNoModemLines())
-    return true;
+  if (::ioctl(m_descriptor, on ? TIOCMBIS : TIOCMBIC, &line) == 0 || HasNoModemLines()) return true;
   FailFromErrno();
   return false;
 }

@@ -65,12 +65,12 @@ class SerialObject : public StreamObject {
   const int m_wake;
   std::mutex m_mutex;
   std::condition_variable m_idle;
-  int m_calls = 0;       // guarded by m_mutex
-  bool m_closed = false;  // guarded by m_mutex
-  DCB m_dcb{};                       // guarded by m_mutex
-  COMMTIMEOUTS m_timeouts{};         // guarded by m_mutex
-  DWORD m_mask = 0;                  // guarded by m_mutex
-  unsigned m_maskChanges = 0;        // guarded by m_mutex
+  int m_calls = 0;             // guarded by m_mutex
+  bool m_closed = false;       // guarded by m_mutex
+  DCB m_dcb{};                 // guarded by m_mutex
+  COMMTIMEOUTS m_timeouts{};   // guarded by m_mutex
+  DWORD m_mask = 0;            // guarded by m_mutex
+  unsigned m_maskChanges = 0;  // guarded by m_mutex
 };
 
 }  // namespace platform

@@ -35,8 +35,8 @@ std::string TextOf(const RegistryNode* entry, const char16_t* name) {
 class ActiveDrivers : public ::testing::Test {
  protected:
   ActiveDrivers() : m_top(u"") {
-    for (const char16_t* root : {u"HKEY_CLASSES_ROOT", u"HKEY_CURRENT_USER",
-                                 u"HKEY_LOCAL_MACHINE", u"HKEY_USERS"})
+    for (const char16_t* root :
+         {u"HKEY_CLASSES_ROOT", u"HKEY_CURRENT_USER", u"HKEY_LOCAL_MACHINE", u"HKEY_USERS"})
       m_top.AddChild(root);
     m_machine = m_top.Child(u"HKEY_LOCAL_MACHINE");
   }

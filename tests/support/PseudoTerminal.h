@@ -123,7 +123,9 @@ class SimulatedComPort {
   explicit SimulatedComPort(int port) : m_port(port), m_entry(port, m_line.PortPath()) {}
 
   int Port() const { return m_port; }
-  std::u16string DeviceName() const { return ComPortEntry::Wide("COM" + std::to_string(m_port) + ":"); }
+  std::u16string DeviceName() const {
+    return ComPortEntry::Wide("COM" + std::to_string(m_port) + ":");
+  }
   PseudoTerminal& Line() { return m_line; }
 
  private:

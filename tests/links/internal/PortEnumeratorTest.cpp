@@ -1,6 +1,4 @@
 // The active ports as the registry lists them, the names of ports, and starting programs.
-#include "links/PortEnumerator.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -10,6 +8,7 @@
 
 #include "frame/Ref.h"
 #include "links/AppLauncher.h"
+#include "links/PortEnumerator.h"
 #include "links/RegistryKey.h"
 #include "tests/support/TempDirectory.h"
 
@@ -42,9 +41,12 @@ int32_t Parse(const char* name) {
 class PortEnumeratorTest : public ::testing::Test {
  protected:
   void Driver(const char* entry, const char* name, const char* key = nullptr) {
-    Ref<RegistryKey> driver(m_machine->CreateSubKey((std::string("Drivers\\Active\\") + entry).c_str()));
-    if (name) driver->SetValue(Ref<String>(new String("Name")).get(), Ref<String>(new String(name)).get());
-    if (key) driver->SetValue(Ref<String>(new String("Key")).get(), Ref<String>(new String(key)).get());
+    Ref<RegistryKey> driver(
+        m_machine->CreateSubKey((std::string("Drivers\\Active\\") + entry).c_str()));
+    if (name)
+      driver->SetValue(Ref<String>(new String("Name")).get(), Ref<String>(new String(name)).get());
+    if (key)
+      driver->SetValue(Ref<String>(new String("Key")).get(), Ref<String>(new String(key)).get());
   }
 
   kxtest::PrivateRegistry m_registry;
@@ -65,8 +67,7 @@ TEST_F(PortEnumeratorTest, ActivePortsComeSortedOnceEachWithTheirDriversNames) {
   Ref<RegistryKey> numbered(m_machine->CreateSubKey("Drivers\\Active\\08"));
   numbered->SetValue("Name", 5);  // a name that isn't text
 
-  EXPECT_EQ(Items(PortEnumerator::ListActivePorts()),
-            "COM1 Serial Cable on COM1:=1,COM3=3,COM7=7");
+  EXPECT_EQ(Items(PortEnumerator::ListActivePorts()), "COM1 Serial Cable on COM1:=1,COM3=3,COM7=7");
   EXPECT_EQ(Items(PortEnumerator::ListPorts(false)), "COM1=1,COM3=3,COM7=7");
   EXPECT_EQ(Items(PortEnumerator::ListAllPorts(8)), "COM2=2,COM4=4,COM5=5,COM6=6,COM8=8");
 }

@@ -1,7 +1,5 @@
 // SerialPort on a pseudo-terminal registered as a COM port: its threads deliver what the
 // device sends, send what is queued, notice the device going away, and stop at once.
-#include "links/SerialPort.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -11,6 +9,7 @@
 #include "frame/Ref.h"
 #include "frame/WaitGroup.h"
 #include "links/RegistryKey.h"
+#include "links/SerialPort.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TempDirectory.h"
 
@@ -96,7 +95,8 @@ TEST_F(SerialPortTest, TheReaderDeliversWhatTheDeviceSendsInBothProfiles) {
     Ref<Event> received(m_port->GetReceivedEvent());
     EXPECT_EQ(received->GetOwnerID(), m_port->GetID());
     EXPECT_EQ(received->GetKind(), SerialPort::kReceived);
-    const std::string sentence = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
+    const std::string sentence =
+        "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
     std::string stream;
     for (int i = 0; i < 8; ++i) stream += sentence;  // more than one read's 256 bytes
     ASSERT_TRUE(m_com.Line().Send(stream));
