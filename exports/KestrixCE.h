@@ -116,6 +116,7 @@ typedef struct KxSatellites_* KxSatellites;
 typedef struct KxComStatus_* KxComStatus;
 typedef struct KxNmeaParser_* KxNmeaParser;
 typedef struct KxShape_* KxShape;
+typedef struct KxShapeFile_* KxShapeFile;
 
 /* ---- errors ----------------------------------------------------------------------- */
 /* Classes of failure. A failing system call reports its own last-error value instead. */
@@ -465,6 +466,37 @@ KX_API double* Shape_FindClosestVector2(KxShape shape, KxPosition position, doub
 KX_API void Shape_InvertPart(KxShape shape);
 /* rewrites every node into the target's datum or grid, which becomes the template */
 KX_API void Shape_ConvertDatumGrid(KxShape shape, KxPosition target);
+
+/* ---- ShapeFile: ESRI shape files, ".shp" with its ".shx", one Shape to a record ------ */
+/* File types: 0 Null, 1 Point, 3 PolyLine, 5 Polygon, 8 MultiPoint; + 10 for the Z
+ * forms (11, 13, 15, 18), + 20 for the M forms (21, 23, 25, 28). */
+#define KX_SHAPEFILE_READ 1
+#define KX_SHAPEFILE_CREATE 2
+#define KX_SHAPEFILE_UPDATE 3
+
+KX_API KxShapeFile ShapeFile_New(void);
+KX_API void ShapeFile_Delete(KxShapeFile file);
+KX_API KxError ShapeFile_GetErrHandle(KxShapeFile file);
+/* the name with or without ".shp"; a missing or damaged ".shx" leaves the main file
+ * usable. Both headers are right after every write: closing writes nothing. */
+KX_API void ShapeFile_Open(KxShapeFile file, const WCHAR* name, int mode);
+KX_API void ShapeFile_Close(KxShapeFile file);
+/* the next record as a new Shape for the caller; 0 with error number 0 at the end */
+KX_API KxShape ShapeFile_Read(KxShapeFile file);
+/* a record of the file's type, numbered with the shape's ShapeID; a shape without
+ * nodes becomes a null record */
+KX_API void ShapeFile_Write(KxShapeFile file, KxShape shape);
+/* with a ".shx": the record counted from 0; without one: the record of that number */
+KX_API void ShapeFile_Seek(KxShapeFile file, int record);
+KX_API void ShapeFile_GetBoundingBox(KxShapeFile file, double* minX, double* maxX,
+                                     double* minY, double* maxY, double* minZ, double* maxZ,
+                                     double* minM, double* maxM);
+/* opening an existing file takes its type; a new file takes it from here */
+KX_API int ShapeFile_GetShapeFileType(KxShapeFile file);
+KX_API void ShapeFile_SetShapeFileType(KxShapeFile file, int type);
+/* set (the default): shapes read are fixed-size, sized exactly; else dynamic */
+KX_API KxBool ShapeFile_GetReadOnly(KxShapeFile file);
+KX_API void ShapeFile_SetReadOnly(KxShapeFile file, KxBool readOnly);
 
 #ifdef __cplusplus
 }

@@ -67,6 +67,7 @@ class Shape : public BaseObject {
   void DeleteNode();
   // Bulk loading: straight into storage at the end of the active part.
   void AppendNode(double x, double y, double z, double m);
+  void AppendNodes(const NodeRecord* records, int32_t count);
 
   // ---- parts and the whole
   void NewPart(int32_t index);

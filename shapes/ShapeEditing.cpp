@@ -67,12 +67,20 @@ void Shape::NewNode(int32_t index) {
 }
 
 void Shape::AppendNode(double x, double y, double z, double m) {
+  const NodeRecord record{0, 0, x, y, z, m};
+  AppendNodes(&record, 1);
+}
+
+// The NodeIDs of the records are replaced by the next ones of the counter. A fixed part
+// takes the records in one copy.
+void Shape::AppendNodes(const NodeRecord* records, int32_t count) {
   LockScope lock;
   ClearError();
   EnsureStorage();
+  if (count <= 0) return;
   if (m_fixedSize) {
     const FixedPart* slot = ActiveFixedPart();
-    if (!slot || slot->count >= slot->capacity) {
+    if (!slot || count > slot->capacity - slot->count) {
       SetError(kErrInvalidArgument, kNoNodeMemory);
       return;
     }
@@ -81,21 +89,26 @@ void Shape::AppendNode(double x, double y, double z, double m) {
     return;
   }
   Commit();
-  int32_t placed;
-  if (!InsertNode(-1, NodeRecord{m_nextNodeId, 0, x, y, z, m}, placed)) return;
-  m_workingNodeId = m_nextNodeId++;
-  m_nodeIndex = placed;
-  const double values[4] = {x, y, z, m};
-  for (Dimension d : {kX, kY, kZ, kM}) {
-    m_value[d] = values[d];
-    if (m_totalNodeCount == 0)
-      TakeFirstValue(d, values[d]);
-    else
-      Widen(d, values[d]);
+  int32_t placed = 0;
+  for (int32_t k = 0; k < count; ++k) {
+    NodeRecord record = records[k];
+    record.nodeId = m_nextNodeId;
+    if (!InsertNode(-1, record, placed)) break;
+    ++m_nextNodeId;
+    const double values[4] = {record.x, record.y, record.z, record.m};
+    for (Dimension d : {kX, kY, kZ, kM}) {
+      if (m_totalNodeCount == 0)
+        TakeFirstValue(d, values[d]);
+      else
+        Widen(d, values[d]);
+      m_value[d] = values[d];
+    }
+    m_workingNodeId = record.nodeId;
+    m_nodeIndex = placed;
+    m_empty = false;
+    m_fresh = false;
+    ++m_totalNodeCount;
   }
-  m_empty = false;
-  m_fresh = false;
-  ++m_totalNodeCount;
   RefreshPartNodeCount();
   Changed();
 }
