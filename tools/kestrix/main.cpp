@@ -4,6 +4,8 @@
 //   echo "6576000 674000" | kestrix convert --from grid:1 --from-zone 33 --to "WGS 84"
 //   kestrix convert --list
 //   kestrix replay receiver.log --grid 1 --mode queue --json
+//   kestrix shp roads.shp --geometry
+//   kestrix shp copy roads.shp copy.shp
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
@@ -13,6 +15,7 @@
 #include "tools/kestrix/Catalogue.h"
 #include "tools/kestrix/Converter.h"
 #include "tools/kestrix/Replay.h"
+#include "tools/kestrix/ShpCommand.h"
 
 namespace {
 
@@ -86,8 +89,25 @@ int main(int argc, char** argv) {
   replayCommand->add_option("--grid", replay.grid, "print fixes also in this grid");
   replayCommand->add_option("--mode", replay.mode, "window (default), queue or poll");
   replayCommand->add_flag("--json", replay.json, "one JSON object per line");
+  kestrix::ShpOptions shp;
+  CLI::App* shpCommand = app.add_subcommand(
+      "shp", "Print a shape file record by record: type, parts, nodes and bounds.");
+  shpCommand->add_option("file", shp.file, "the .shp file, with or without extension");
+  shpCommand->add_flag("--geometry", shp.geometry,
+                       "add length, point count, area and the clean-polygon verdict");
+  CLI::App* shpCopy = shpCommand->add_subcommand("copy", "Read every record, write a new file.");
+  shpCopy->add_option("in", shp.copyFrom, "the file to read")->required();
+  shpCopy->add_option("out", shp.copyTo, "the file to write")->required();
   CLI11_PARSE(app, argc, argv);
   if (replayCommand->parsed()) return kestrix::Replay::Run(replay, stdout);
+  if (shpCopy->parsed()) return kestrix::ShpCommand::Copy(shp);
+  if (shpCommand->parsed()) {
+    if (shp.file.empty()) {
+      std::fprintf(stderr, "shp needs a file\n");
+      return 2;
+    }
+    return kestrix::ShpCommand::Dump(shp, stdout);
+  }
   if (!options.list && (options.from.empty() || options.to.empty())) {
     std::fprintf(stderr, "convert needs --from and --to (or --list)\n");
     return 2;

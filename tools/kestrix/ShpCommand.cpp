@@ -1,0 +1,174 @@
+#include "tools/kestrix/ShpCommand.h"
+
+#include <string>
+
+#include "KestrixCE.h"
+
+namespace kestrix {
+
+namespace {
+
+std::u16string Wide(const std::string& bytes) { return std::u16string(bytes.begin(), bytes.end()); }
+
+std::string Narrow(BSTR text) {
+  std::string out;
+  for (unsigned i = 0; text && i < SysStringLen(text); ++i) out += static_cast<char>(text[i]);
+  return out;
+}
+
+// "10003 Unknown shape type."; empty when the last call succeeded.
+std::string Failure(KxError error) {
+  const short number = Error_ErrNum(error);
+  if (number == 0) return "";
+  return std::to_string(number) + " " + Narrow(Error_ErrDesc(error, nullptr));
+}
+
+const char* TypeName(int type) {
+  switch (type) {
+    case 0: return "NullShape";
+    case 1: return "Point";
+    case 3: return "Arc";
+    case 5: return "Polygon";
+    case 8: return "MultiPoint";
+    case 11: return "PointZ";
+    case 13: return "ArcZ";
+    case 15: return "PolygonZ";
+    case 18: return "MultiPointZ";
+    case 21: return "PointM";
+    case 23: return "ArcM";
+    case 25: return "PolygonM";
+    case 28: return "MultiPointM";
+    default: return "UnknownShapeType";
+  }
+}
+
+bool IsPolygonType(int type) { return type == 5 || type == 15 || type == 25; }
+
+// A file open for reading, given up at the end of the scope.
+class OpenFile {
+ public:
+  OpenFile(const std::string& name, int mode) : m_file(ShapeFile_New()) {
+    ShapeFile_Open(m_file, Wide(name).c_str(), mode);
+    m_failure = Failure(ShapeFile_GetErrHandle(m_file));
+  }
+  ~OpenFile() { ShapeFile_Delete(m_file); }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  KxShapeFile get() const { return m_file; }
+  // A refused open; a damaged index alone leaves the file open, with its text here.
+  const std::string& failure() const { return m_failure; }
+
+ private:
+  KxShapeFile m_file;
+  std::string m_failure;
+};
+
+void PrintBounds(std::FILE* out, const char* first, const char* second, const double b[8],
+                 bool fileForm) {
+  const char* gap = fileForm ? "," : ", ";
+  std::fprintf(out, "%s(%.17g,%.17g%s%.17g%s%.17g)\n", first, b[0], b[2], gap, b[4], gap, b[6]);
+  std::fprintf(out, "%s(%.17g,%.17g%s%.17g%s%.17g)\n", second, b[1], b[3], gap, b[5], gap, b[7]);
+}
+
+// Geometry with the coordinates in the file's own units: a grid as template makes
+// lengths plane lengths.
+void PrintGeometry(std::FILE* out, KxShape shape, int type, int nodes) {
+  KxPosition plane = Position_New();
+  Position_SetGrid(plane, 1);
+  Shape_SetDatumGridTemplate(shape, plane);
+  Position_Delete(plane);
+  double length = 0;
+  for (int part = 0; part < Shape_GetPartCount(shape); ++part) {
+    Shape_SetPartIndex(shape, part);
+    double piece = 0;
+    length += *Shape_Distance(shape, 0, -1, &piece);
+  }
+  std::fprintf(out, "  Geometry: length=%.17g points=%d", length, nodes);
+  if (IsPolygonType(type)) {
+    const bool clean = Shape_IsCleanPolygon(shape) != 0;
+    double area = 0;
+    if (clean) Shape_Area(shape, &area);
+    std::fprintf(out, " clean=%s area=%.17g", clean ? "yes" : "no", area);
+  }
+  std::fprintf(out, "\n");
+}
+
+void PrintShape(std::FILE* out, KxShape shape, int index, int type, bool geometry) {
+  const int nodes = Shape_GetTotalNodeCount(shape);
+  const int parts = nodes == 0 ? 0 : Shape_GetPartCount(shape);
+  std::fprintf(out, "\nShape:%d (%s)  nVertices=%d, nParts=%d, id=%d\n", index,
+               TypeName(nodes == 0 ? 0 : type), nodes, parts, Shape_GetShapeID(shape));
+  if (nodes == 0) return;
+  double b[8];
+  Shape_GetBoundingBox(shape, &b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &b[6], &b[7]);
+  PrintBounds(out, "  Bounds:", "      to ", b, false);
+  for (int part = 0; part < parts; ++part) {
+    Shape_SetPartIndex(shape, part);
+    for (int k = 0; k < Shape_GetNodeCount(shape); ++k) {
+      Shape_SetNodeIndex(shape, k);
+      double x, y, z, m;
+      Shape_GetNode(shape, &x, &y, &z, &m);
+      std::fprintf(out, "   %s (%.17g,%.17g, %.17g, %.17g)\n", part > 0 && k == 0 ? "+" : " ",
+                   x, y, z, m);
+    }
+  }
+  if (geometry) PrintGeometry(out, shape, type, nodes);
+}
+
+}  // namespace
+
+int ShpCommand::Dump(const ShpOptions& options, std::FILE* out) {
+  OpenFile file(options.file, KX_SHAPEFILE_READ);
+  KxShapeFile shp = file.get();
+  const int type = ShapeFile_GetShapeFileType(shp);
+  double b[8];
+  ShapeFile_GetBoundingBox(shp, &b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &b[6], &b[7]);
+  std::fprintf(out, "Shapefile Type: %s (%d)\n", TypeName(type), type);
+  if (!file.failure().empty()) std::fprintf(out, "Open: %s\n", file.failure().c_str());
+  std::fprintf(out, "\n");
+  PrintBounds(out, "File Bounds: ", "         to  ", b, true);
+  int index = 0;
+  for (;; ++index) {
+    KxShape shape = ShapeFile_Read(shp);
+    if (!shape) break;
+    PrintShape(out, shape, index, type, options.geometry);
+    Shape_Delete(shape);
+  }
+  const std::string failure = Failure(ShapeFile_GetErrHandle(shp));
+  std::fprintf(out, "\n# of Shapes: %d\n", index);
+  if (failure.empty()) return 0;
+  std::fprintf(out, "Error at shape %d: %s\n", index, failure.c_str());
+  return 1;
+}
+
+int ShpCommand::Copy(const ShpOptions& options) {
+  // A damaged index is no reason to stop: the first read tells whether the main file
+  // opened.
+  OpenFile in(options.copyFrom, KX_SHAPEFILE_READ);
+  KxShapeFile source = in.get();
+  OpenFile out(options.copyTo, KX_SHAPEFILE_CREATE);
+  if (!out.failure().empty()) {
+    std::fprintf(stderr, "%s: %s\n", options.copyTo.c_str(), out.failure().c_str());
+    return 2;
+  }
+  ShapeFile_SetShapeFileType(out.get(), ShapeFile_GetShapeFileType(source));
+  for (int index = 0;; ++index) {
+    KxShape shape = ShapeFile_Read(source);
+    if (!shape) {
+      const std::string failure = Failure(ShapeFile_GetErrHandle(source));
+      if (failure.empty()) return 0;
+      std::fprintf(stderr, "%s: shape %d: %s\n", options.copyFrom.c_str(), index, failure.c_str());
+      return 1;
+    }
+    ShapeFile_Write(out.get(), shape);
+    Shape_Delete(shape);
+    const std::string failure = Failure(ShapeFile_GetErrHandle(out.get()));
+    if (!failure.empty()) {
+      std::fprintf(stderr, "%s: shape %d: %s\n", options.copyTo.c_str(), index, failure.c_str());
+      return 1;
+    }
+  }
+}
+
+}  // namespace kestrix
