@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <mutex>
 #include <set>
 
 #include "platform/posix/WideText.h"
@@ -150,8 +152,28 @@ std::vector<SerialDeviceFound> FindSerialDevices() {
   return devices;
 }
 
+// Every registry call looks, and listing the ports makes dozens of calls: a look that is
+// younger than this is used again.
+constexpr auto kDeviceLookAge = std::chrono::milliseconds(500);
+
 void MergeActiveDrivers(RegistryNode& localMachine) {
-  MergeActiveDrivers(localMachine, FindSerialDevices());
+  struct Look {
+    std::mutex mutex;
+    std::string directory;
+    std::chrono::steady_clock::time_point when;
+    std::vector<SerialDeviceFound> devices;
+  };
+  static auto* last = new Look;  // never destroyed: the registry may be used after main
+  std::lock_guard<std::mutex> lock(last->mutex);
+  const auto now = std::chrono::steady_clock::now();
+  const std::string directory = DeviceDirectory();
+  if (directory != last->directory || last->when == decltype(now){} ||
+      now - last->when >= kDeviceLookAge) {
+    last->devices = FindSerialDevices();
+    last->directory = directory;
+    last->when = now;
+  }
+  MergeActiveDrivers(localMachine, last->devices);
 }
 
 void MergeActiveDrivers(RegistryNode& localMachine, const std::vector<SerialDeviceFound>& devices) {
