@@ -102,6 +102,31 @@ KX_API UINT_PTR SetTimer(HWND window, UINT_PTR id, unsigned int elapse, TIMERPRO
 KX_API int KillTimer(HWND window, UINT_PTR id);
 KX_API HMODULE GetModuleHandleW(const WCHAR* moduleName);
 
+/* ---- registry ---------------------------------------------------------------------- */
+/* The library finds its COM ports in a registry kept in a file: KESTRIX_REGISTRY names it,
+ * else $XDG_CONFIG_HOME/kestrix/registry (~/.config/...). Serial devices present
+ * (ttyS, ttyUSB, ttyACM, rfcomm) are listed by themselves; any other device becomes a COM
+ * port by a key under HKEY_LOCAL_MACHINE\Drivers\Active with the text values "Name"
+ * ("COM5:") and "DevicePath" ("/dev/pts/4"). Types as on Windows: 1 text (UTF-16 with its
+ * NUL), 3 binary, 4 a 32-bit number. The calls return 0 or a Windows error code. */
+typedef struct HKEY__* HKEY;
+struct SECURITY_ATTRIBUTES;
+#define HKEY_CURRENT_USER ((HKEY)(uintptr_t)0x80000001u)
+#define HKEY_LOCAL_MACHINE ((HKEY)(uintptr_t)0x80000002u)
+KX_API int32_t RegCreateKeyExW(HKEY key, const WCHAR* subKey, uint32_t reserved, WCHAR* keyClass,
+                               uint32_t options, uint32_t access,
+                               struct SECURITY_ATTRIBUTES* security, HKEY* result,
+                               uint32_t* disposition);
+KX_API int32_t RegOpenKeyExW(HKEY key, const WCHAR* subKey, uint32_t options, uint32_t access,
+                             HKEY* result);
+KX_API int32_t RegCloseKey(HKEY key);
+KX_API int32_t RegDeleteKeyW(HKEY key, const WCHAR* subKey);
+KX_API int32_t RegDeleteValueW(HKEY key, const WCHAR* name);
+KX_API int32_t RegQueryValueExW(HKEY key, const WCHAR* name, uint32_t* reserved, uint32_t* type,
+                                unsigned char* data, uint32_t* dataLength);
+KX_API int32_t RegSetValueExW(HKEY key, const WCHAR* name, uint32_t reserved, uint32_t type,
+                              const unsigned char* data, uint32_t dataLength);
+
 /* ---- handles ---------------------------------------------------------------------- */
 typedef struct KxErrorRecord_* KxError;
 typedef struct KxPosition_* KxPosition;

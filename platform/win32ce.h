@@ -261,8 +261,7 @@ BOOL PurgeComm(HANDLE port, DWORD flags);
 typedef struct HKEY__* HKEY;
 typedef DWORD REGSAM;
 #define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(uintptr_t(0x80000000u)))
-#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(uintptr_t(0x80000001u)))
-#define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(uintptr_t(0x80000002u)))
+// HKEY_CURRENT_USER and HKEY_LOCAL_MACHINE come with the public header.
 #define HKEY_USERS (reinterpret_cast<HKEY>(uintptr_t(0x80000003u)))
 
 constexpr DWORD REG_NONE = 0;
@@ -275,22 +274,13 @@ constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
 
 // The functions return ERROR_SUCCESS or an error code; they leave the last error alone.
 // Options, access masks, classes, security and reserved arguments are ignored, as the
-// device ignores them.
-LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, WCHAR* keyClass, DWORD options,
-                     REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
-                     DWORD* disposition);
-LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, HKEY* result);
-LONG RegCloseKey(HKEY key);
-LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey);
-LONG RegDeleteValueW(HKEY key, LPCWSTR name);
+// device ignores them. Those an application needs to declare its ports are in the public
+// header: RegCreateKeyExW, RegOpenKeyExW, RegCloseKey, RegDeleteKeyW, RegDeleteValueW,
+// RegQueryValueExW and RegSetValueExW.
 LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved,
                    WCHAR* keyClass, DWORD* classLength, FILETIME* lastWriteTime);
 LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved,
                    DWORD* type, BYTE* data, DWORD* dataLength);
-LONG RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* data,
-                      DWORD* dataLength);
-LONG RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
-                    DWORD dataLength);
 LONG RegQueryInfoKeyW(HKEY key, WCHAR* keyClass, DWORD* classLength, DWORD* reserved,
                       DWORD* subKeys, DWORD* maxSubKeyLength, DWORD* maxClassLength, DWORD* values,
                       DWORD* maxValueNameLength, DWORD* maxValueLength,
@@ -299,7 +289,8 @@ LONG RegQueryInfoKeyW(HKEY key, WCHAR* keyClass, DWORD* classLength, DWORD* rese
 // ---- BSTR, windows and messages --------------------------------------------------------
 // What an application calls as well is declared once, in the public header: the BSTR
 // functions (length-prefixed wide text, a 32-bit byte count in front of the characters
-// and a wide NUL behind them) and the windows and their message queues.
+// and a wide NUL behind them), the windows and their message queues, and the registry
+// calls that declare ports.
 #include "exports/KestrixCE.h"
 
 // ---- programs -------------------------------------------------------------------------
