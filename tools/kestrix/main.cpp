@@ -6,6 +6,7 @@
 //   kestrix replay receiver.log --grid 1 --mode queue --json
 //   kestrix shp roads.shp --geometry
 //   kestrix shp copy roads.shp copy.shp
+//   kestrix simulate receiver.log --baud 57600 &   kestrix gps --grid 1
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
@@ -14,8 +15,10 @@
 
 #include "tools/kestrix/Catalogue.h"
 #include "tools/kestrix/Converter.h"
+#include "tools/kestrix/LiveGps.h"
 #include "tools/kestrix/Replay.h"
 #include "tools/kestrix/ShpCommand.h"
+#include "tools/kestrix/Simulator.h"
 
 namespace {
 
@@ -98,8 +101,27 @@ int main(int argc, char** argv) {
   CLI::App* shpCopy = shpCommand->add_subcommand("copy", "Read every record, write a new file.");
   shpCopy->add_option("in", shp.copyFrom, "the file to read")->required();
   shpCopy->add_option("out", shp.copyTo, "the file to write")->required();
+  kestrix::LiveGpsOptions gps;
+  CLI::App* gpsCommand = app.add_subcommand(
+      "gps", "Read a live receiver and print fixes, movement, satellites and status.");
+  gpsCommand->add_option("--port", gps.port, "COM port number, or auto (default)");
+  gpsCommand->add_option("--baud", gps.baud, "baud rate, or auto (default)");
+  gpsCommand->add_option("--grid", gps.grid, "print fixes also in this grid");
+  gpsCommand->add_flag("--json", gps.json, "one JSON object per line");
+  gpsCommand->add_flag("--sentences", gps.sentences, "print every sentence too");
+  gpsCommand->add_option("--seconds", gps.seconds, "stop after this long (default: Ctrl-C)");
+  kestrix::SimulatorOptions simulate;
+  CLI::App* simulateCommand = app.add_subcommand(
+      "simulate", "Make a pseudo-terminal a COM port and play a receiver log on it.");
+  simulateCommand->add_option("log", simulate.log, "the log file")->required();
+  simulateCommand->add_option("--baud", simulate.baud, "speed of the receiver (4800)");
+  simulateCommand->add_option("--speedup", simulate.speedup, "play this many times faster");
+  simulateCommand->add_option("--port", simulate.port, "the COM port number (5)");
+  simulateCommand->add_flag("--once", simulate.once, "play the log once, not over and over");
   CLI11_PARSE(app, argc, argv);
   if (replayCommand->parsed()) return kestrix::Replay::Run(replay, stdout);
+  if (gpsCommand->parsed()) return kestrix::LiveGps::Run(gps);
+  if (simulateCommand->parsed()) return kestrix::Simulator::Run(simulate);
   if (shpCopy->parsed()) return kestrix::ShpCommand::Copy(shp);
   if (shpCommand->parsed()) {
     if (shp.file.empty()) {

@@ -1,0 +1,25 @@
+// kestrix simulate: a receiver without hardware. A pseudo-terminal is registered as a
+// COM port for as long as the program runs, and a log is played on it, over and over,
+// at the pace of the chosen baud rate. Like a real receiver it is heard only at its own
+// speed: while the port is set to another, what it sends is lost, as garbled bytes would be.
+#pragma once
+
+#include <string>
+
+namespace kestrix {
+
+struct SimulatorOptions {
+  std::string log;
+  int baud = 4800;
+  double speedup = 1;
+  int port = 5;
+  bool once = false;
+};
+
+class Simulator {
+ public:
+  // Exit codes: 0 ended, 2 bad options, no pseudo-terminal or an unreadable log.
+  static int Run(const SimulatorOptions& options);
+};
+
+}  // namespace kestrix
