@@ -35,7 +35,7 @@ struct BoxFilter {
 struct RayFilter {
   double x, y, u;
   bool Meets(const SegmentBox& b) const {
-    return b.minX <= x && b.minY <= y && b.loU <= u && u <= b.hiU;
+    return b.loU <= u && u <= b.hiU && b.minX <= x && b.minY <= y;
   }
 };
 
@@ -54,6 +54,17 @@ class SegmentTree {
     const int32_t top = int32_t(m_levels.size()) - 1;
     const int32_t found = Search(filter, top, 0, first - 1);
     return found < 0 ? -1 : found + 1;
+  }
+  // Every segment whose box meets the filter, in order, into `found` (segments count
+  // from 1): one descent for a query that then walks all of them.
+  template <class Filter>
+  void Collect(const Filter& filter, std::vector<int32_t>& found) const {
+    found.clear();
+    if (m_levels.empty() || !filter.Meets(m_levels.back()[0])) return;
+    if (m_levels.size() == 1)
+      found.push_back(1);
+    else
+      Gather(filter, int32_t(m_levels.size()) - 1, 0, found);
   }
   // The box of the whole part; only a tree of one segment or more has one.
   const SegmentBox* Root() const { return m_levels.empty() ? nullptr : &m_levels.back()[0]; }
@@ -76,6 +87,22 @@ class SegmentTree {
       if (found >= first) return found;
     }
     return -1;
+  }
+
+  // The box itself meets the filter; its children are tested here, so that only those
+  // that meet it cost a call.
+  template <class Filter>
+  void Gather(const Filter& filter, int32_t level, int32_t box, std::vector<int32_t>& found) const {
+    const std::vector<SegmentBox>& row = m_levels[level - 1];
+    const int32_t below = int32_t(row.size());
+    const int32_t end = box * kFanout + kFanout < below ? box * kFanout + kFanout : below;
+    for (int32_t child = box * kFanout; child < end; ++child) {
+      if (!filter.Meets(row[child])) continue;
+      if (level == 1)
+        found.push_back(child + 1);
+      else
+        Gather(filter, level - 1, child, found);
+    }
   }
 
   int32_t m_segments = 0;

@@ -180,7 +180,7 @@ class Shape : public BaseObject {
   double SignedArea(const PartGeometry& part) const;
   bool PositionToXY(Position* position, double& x, double& y);
   bool Inside(double x, double y);
-  void CloseInPassing();
+  bool CloseInPassing();
   bool InSameFrame(Shape* other);
   bool PartsAreRings();
   bool RingsAreNested();

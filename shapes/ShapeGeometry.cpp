@@ -15,9 +15,8 @@ using namespace shape_text;
 
 namespace {
 
-// Position_Distance methods: metres on the sphere, metres in the grid plane.
+// Position_Distance's method for metres on the sphere.
 constexpr int32_t kOnTheSphere = 1;
-constexpr int32_t kInTheGrid = 3;
 
 void Place(Position* position, bool grid, double x, double y) {
   if (grid) {
@@ -102,20 +101,32 @@ double Shape::Area() {
 
 // Adds the distances between successive nodes first to last of the active part, through
 // two copies of the template. Stops with 10004 where the part ends before `last`.
+//
+// In a grid the copies hold easting and northing as set, in one grid and zone, and
+// Position_Distance in the plane reads them back as they are: the distance is the root
+// of the squared differences, computed here in the same order of operations without
+// the round trip through the positions.
 bool Shape::StepThroughPart(Position* from, Position* to, int32_t first, int32_t last,
                             double& sum) {
   const bool grid = HasGrid(m_template);
-  const int32_t method = grid ? kInTheGrid : kOnTheSphere;
   int32_t k = 0;
+  double E1 = 0, N1 = 0;
   VisitRuns(m_partIndex, [&](const uint8_t* records, int32_t count) {
     for (int32_t r = 0; r < count && k <= last; ++r, ++k) {
       if (k < first) continue;
       const NodeRecord node = RecordAt(records, r);
-      if (k > first) {
-        Place(to, grid, node.x, node.y);
-        sum += from->Distance(to, method);
+      if (grid) {
+        const double E2 = node.x, N2 = node.y;
+        if (k > first) sum += std::sqrt((E2 - E1) * (E2 - E1) + (N2 - N1) * (N2 - N1));
+        E1 = E2;
+        N1 = N2;
+        continue;
       }
-      Place(from, grid, node.x, node.y);
+      if (k > first) {
+        Place(to, false, node.x, node.y);
+        sum += from->Distance(to, kOnTheSphere);
+      }
+      Place(from, false, node.x, node.y);
     }
   });
   if (k > last) return true;

@@ -25,18 +25,22 @@ bool Shape::Inside(double x, double y) {
 // see it: ModifiedCount goes up and a NodeID is used. Nothing else changes, so the
 // index stays good. A fixed-size shape is closed for the test alone: its arrays have
 // no room, and it can't give a node up.
-void Shape::CloseInPassing() {
-  if (m_fixedSize) return;
+bool Shape::CloseInPassing() {
+  if (m_fixedSize) return false;
   const bool indexed = m_index.IsCurrent(m_modifiedCount);
-  for (int32_t part = 0; part < StoredPartCount(); ++part) {
-    if (!ClosedForInside(part)) continue;
-    const NodeRecord first = StoredNode(part, 0);
+  bool moved = false;
+  for (int32_t part = 0; part < m_index.PartCount(); ++part) {
+    const PartGeometry& geometry = m_index.Part(part);
+    if (geometry.insideCount == geometry.count) continue;
+    const XY first = geometry.Node(0);
     MoveToPart(part);
     NewNode(-1);
     SetNode(first.x, first.y, 0, 0);
     DeleteNode();
+    moved = true;
   }
   if (indexed) m_index.Restamp(m_modifiedCount);
+  return moved;
 }
 
 // A point on the bounding box is outside before any ring is asked.
@@ -48,8 +52,7 @@ bool Shape::IsInside(double x, double y) {
     return false;
   const Cursor cursor = MarkCursor();
   const bool inside = Inside(x, y);
-  CloseInPassing();
-  RestoreCursor(cursor);
+  if (CloseInPassing()) RestoreCursor(cursor);
   return inside;
 }
 

@@ -158,6 +158,28 @@ TEST(ShapeGeometry, DistanceGoesThroughPositionAndCachesOnlyTheWholePart) {
   EXPECT_EQ(d, 16);
   Shape_Distance(s, 2, 9, &d);  // past the end
   EXPECT_EQ(ErrorOf(s), "10004 Index out of bounds");
+  // To the last bit what Position_Distance in the plane gives between copies of the
+  // template, on coordinates whose differences round.
+  KxShape wiggly = MakeShape({{{512345.678, 6543210.123}, {512349.001, 6543297.77},
+                               {512301.3, 6543111.5}}});
+  Shape_SetDatumGridTemplate(wiggly, utm);
+  double expected = 0;
+  for (int k = 1; k < 3; ++k) {
+    KxPosition from = Position_Copy(utm), to = Position_Copy(utm);
+    const std::vector<Part> parts = ReadShape(wiggly);
+    Position_SetEasting(from, &parts[0][k - 1].x);
+    Position_SetNorthing(from, &parts[0][k - 1].y);
+    Position_SetEasting(to, &parts[0][k].x);
+    Position_SetNorthing(to, &parts[0][k].y);
+    double step = 0;
+    Position_Distance(from, to, 3, &step);
+    expected += step;
+    Position_Delete(from);
+    Position_Delete(to);
+  }
+  Shape_Distance(wiggly, 0, -1, &d);
+  EXPECT_EQ(d, expected);
+  Shape_Delete(wiggly);
   // In a datum: metres on the sphere, as Position_Distance gives them.
   KxShape geo = MakeShape({{{18, 59}, {18.5, 59.2}, {19, 59}}});
   KxPosition wgs = Position_New();
