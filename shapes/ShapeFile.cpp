@@ -52,7 +52,7 @@ void ShapeFile::Open(const String* name, int32_t mode) {
   m_baseName = base;
   OpenIndex(base.get(), mode);
   if (mode == kCreate || (mode == kUpdate && m_mainSize == 0)) {
-    m_mainLength = m_indexLength = shp::kHeaderBytes;
+    StartEmptyFiles();
     return;
   }
   if (!ReadMainHeader()) {
@@ -130,6 +130,7 @@ bool ShapeFile::ReadMainHeader() {
     return false;
   }
   m_mainLength = header.lengthBytes;
+  m_geometryWritten = m_mainLength > shp::kHeaderBytes;
   m_type = header.type;
   std::copy(header.bounds, header.bounds + 8, m_bounds);
   m_mArraysPresent = !(m_bounds[Shape::kMinM] == 0 && m_bounds[Shape::kMaxM] == 0);
@@ -174,7 +175,17 @@ void ShapeFile::Close() {
   m_mArraysPresent = true;
   m_recordHasM = m_recordHasZ = false;
   m_recordNumber = m_recordLength = m_recordsWritten = m_readPosition = 0;
+  m_geometryWritten = false;
   m_scratch = std::vector<NodeRecord>();
+}
+
+// A new file is a valid file without records from the start: both headers go out now,
+// and again whenever the type changes to a known one before the first record.
+void ShapeFile::StartEmptyFiles() {
+  m_mainLength = m_indexLength = shp::kHeaderBytes;
+  m_mainSize = std::max(m_mainSize, shp::kHeaderBytes);
+  if (!WriteHeader(*m_main, m_mainLength)) return;
+  if (m_indexOpen) WriteHeader(*m_index, m_indexLength);
 }
 
 // ---- reading -------------------------------------------------------------------------------
@@ -338,10 +349,12 @@ bool ShapeFile::WriteHeader(File& file, int32_t length) {
   return WriteAt(file, 0, bytes, shp::kHeaderBytes);
 }
 
-// The first record of a file without records sets the bounds; later ones widen them.
+// The first record with nodes sets the bounds and later ones widen them: null records
+// before it don't pull the bounds to 0, as other readers expect.
 void ShapeFile::TakeBounds(Shape& shape) {
   const double* b = shape.Bounds();
-  const bool first = m_mainLength <= shp::kHeaderBytes;
+  const bool first = !m_geometryWritten;
+  m_geometryWritten = true;
   for (int k = 0; k < 8; k += 2) {
     m_bounds[k] = first ? b[k] : std::min(m_bounds[k], b[k]);
     m_bounds[k + 1] = first ? b[k + 1] : std::max(m_bounds[k + 1], b[k + 1]);
@@ -413,7 +426,13 @@ void ShapeFile::GetBoundingBox(double bounds[8]) {
 }
 
 int32_t ShapeFile::GetShapeFileType() { return ReadField(m_type); }
-void ShapeFile::SetShapeFileType(int32_t type) { WriteField(m_type, type); }
+void ShapeFile::SetShapeFileType(int32_t type) {
+  WriteField(m_type, type);
+  // An unknown type never reaches a header: the file keeps saying what it can hold.
+  const bool known = ShapeFileKind::Of(type).family != ShapeFileKind::kUnknown;
+  if (known && m_mainOpen && m_openMode != kRead && m_mainLength == shp::kHeaderBytes)
+    StartEmptyFiles();
+}
 bool ShapeFile::GetReadOnly() { return ReadField(m_readOnly); }
 void ShapeFile::SetReadOnly(bool readOnly) { WriteField(m_readOnly, readOnly); }
 

@@ -51,6 +51,7 @@ class ShapeFile : public BaseObject {
   bool SplitName(const String* name, Ref<String>& base);
   bool OpenMain(const String* base, int32_t mode);
   void OpenIndex(const String* base, int32_t mode);
+  void StartEmptyFiles();
   bool ReadMainHeader();
   void ReadIndexHeader();
   void CloseIndex();
@@ -87,6 +88,8 @@ class ShapeFile : public BaseObject {
   int32_t m_recordsWritten = 0;
   bool m_readOnly = true;
   int32_t m_readPosition = 0;
+  // A record with nodes stands in the file: the bounds are its, not 0.
+  bool m_geometryWritten = false;
   // What the main file really holds, which a damaged header may overstate.
   int32_t m_mainSize = 0;
   // The nodes of one part on their way from a record into a Shape.
