@@ -13,6 +13,11 @@ trap 'rm -rf "$work"' EXIT
 
 # Records only: the header's bounds may be rewritten (see tools/check_shp_copy.sh).
 records() { shpdump -precision 17 "$1" | sed -n '/^Shape:/,$p'; }
+# The same without M: a Z record of the original may have no M arrays, or M arrays under
+# a header M range of 0 to 0, which the library reads as M 0; the copy holds them whole.
+records_xyz() { records "$1" | sed -E 's/^( *(Bounds:| *to)? *\([^,]*,[^,]*,[^,]*), [^)]*\)/\1)/'; }
+# The nodes alone: an original's record ranges may leave out nodes of its own.
+nodes_xyz() { records_xyz "$1" | grep -vE '^ *(Bounds:|to \()'; }
 # Geometries only, as WKT with Z and M.
 geometries() { ogrinfo -ro -al -q -geom=ISO_WKT "$1" 2>/dev/null | grep -E '^  [A-Z]+ ' ; }
 
@@ -27,8 +32,12 @@ for shp in "$data"/*/*.shp; do
     echo "$name: not copied (refused by the library)"
     continue
   fi
-  if [ "$(records "$shp")" != "$(records "$copy.shp")" ]; then
+  if [ "$(nodes_xyz "$shp")" != "$(nodes_xyz "$copy.shp")" ]; then
     echo "$name: shapelib reads other records in the copy"
+  elif [ "$(records_xyz "$shp")" != "$(records_xyz "$copy.shp")" ]; then
+    echo "$name: shapelib reads the same nodes in the copy; the record ranges are the nodes' own"
+  elif [ "$(records "$shp")" != "$(records "$copy.shp")" ]; then
+    echo "$name: shapelib reads the same X, Y and Z in the copy, and M as the library reads it"
   elif [ "$(geometries "$shp")" != "$(geometries "$copy.shp")" ]; then
     echo "$name: GDAL reads other geometries in the copy"
   else
