@@ -8,7 +8,7 @@
 
 #include "platform/posix/SerialSettings.h"
 #include "platform/win32ce.h"
-#include "tests/support/PseudoTerminal.h"
+#include "tools/rig/SimulatedComPort.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -48,7 +48,7 @@ class SerialDevice : public ::testing::Test {
   }
 
   kxtest::PrivateRegistry m_registry;
-  kxtest::SimulatedComPort m_com{5};
+  kxrig::SimulatedComPort m_com{5};
   HANDLE m_port = nullptr;
 };
 
@@ -60,10 +60,10 @@ TEST_F(SerialDevice, PortsOpenByTheirActiveDriversOneHolderAtATime) {
   EXPECT_EQ(OpenPort(u"COM6:"), INVALID_HANDLE_VALUE);
   EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
   {
-    kxtest::ComPortEntry gone(7, m_registry.Directory() / "no-such-device");
+    kxrig::ComPortEntry gone(7, m_registry.Directory() / "no-such-device", "gone");
     EXPECT_EQ(OpenPort(u"COM7:"), INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    kxtest::ComPortEntry notATerminal(9, m_registry.File());
+    kxrig::ComPortEntry notATerminal(9, m_registry.File(), "file");
     EXPECT_EQ(OpenPort(u"COM9:"), INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
   }

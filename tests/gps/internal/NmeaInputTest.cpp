@@ -1,12 +1,8 @@
 // The engine's source on pseudo-terminals registered as COM ports: a fixed port, and the
 // search over several ports and both speeds. A simulated receiver speaks only while the
 // line runs at its own speed, as a real one is heard only at the right speed.
-#include "gps/NmeaInput.h"
-
 #include <gtest/gtest.h>
-#include <termios.h>
 
-#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -14,8 +10,10 @@
 #include <vector>
 
 #include "frame/Ref.h"
-#include "tests/support/PseudoTerminal.h"
+#include "gps/NmeaInput.h"
 #include "tests/support/TempDirectory.h"
+#include "tools/rig/SimulatedComPort.h"
+#include "tools/rig/SimulatedReceiver.h"
 
 namespace {
 
@@ -26,8 +24,8 @@ using kx::Ref;
 // "$GPGGA,hhmmss,..." with its checksum; the time tells the sentences apart.
 std::string Gga(int second) {
   char body[96];
-  std::snprintf(body, sizeof body, "GPGGA,1200%02d,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",
-                second);
+  std::snprintf(body, sizeof body,
+                "GPGGA,1200%02d,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", second);
   uint8_t sum = 0;
   for (const char* c = body; *c; ++c) sum ^= uint8_t(*c);
   char sentence[128];
@@ -35,33 +33,17 @@ std::string Gga(int second) {
   return sentence;
 }
 
-// A device on one simulated port that says `Say(n)` every 50 ms while the line runs at
-// its speed, until destroyed.
+// A device on one simulated port that says `say(n)` at the pace of its speed, heard only
+// while the line runs at that speed, until destroyed.
 class Receiver {
  public:
   using Say = std::string (*)(int);
-  Receiver(int port, speed_t speed, Say say)
-      : m_com(port), m_speed(speed), m_say(say), m_thread([this] { Run(); }) {}
-  ~Receiver() {
-    m_stop = true;
-    m_thread.join();
-  }
-  void SetMuted(bool muted) { m_muted = muted; }
+  Receiver(int port, int baud, Say say) : m_com(port), m_device(m_com.Line(), baud, say) {}
+  void SetMuted(bool muted) { m_device.SetMuted(muted); }
 
  private:
-  void Run() {
-    for (int n = 0; !m_stop; std::this_thread::sleep_for(std::chrono::milliseconds(50))) {
-      const termios line = m_com.Line().Settings();
-      if (!m_muted && cfgetospeed(&line) == m_speed && m_com.Line().Send(m_say(n))) ++n;
-    }
-  }
-
-  kxtest::SimulatedComPort m_com;
-  const speed_t m_speed;
-  const Say m_say;
-  std::atomic<bool> m_stop{false};
-  std::atomic<bool> m_muted{false};
-  std::thread m_thread;
+  kxrig::SimulatedComPort m_com;
+  kxrig::SimulatedReceiver m_device;
 };
 
 std::string Silence(int) { return ""; }
@@ -86,7 +68,7 @@ std::string NextTime(NmeaInput& input, int milliseconds) {
 
 TEST(NmeaInput, AFixedPortIsReadFromItsFirstSentenceLostInSilenceAndFoundAgain) {
   kxtest::PrivateRegistry registry;
-  Receiver receiver(5, B4800, Gga);
+  Receiver receiver(5, 4800, Gga);
   NmeaInput input;
   input.SetPort(5);
   input.SetBaudRate(4800);
@@ -108,7 +90,7 @@ TEST(NmeaInput, AFixedPortIsReadFromItsFirstSentenceLostInSilenceAndFoundAgain) 
 
 TEST(NmeaInput, ADeviceGoingAwayIsLostAtOnce) {
   kxtest::PrivateRegistry registry;
-  auto receiver = std::make_unique<Receiver>(5, B4800, Gga);
+  auto receiver = std::make_unique<Receiver>(5, 4800, Gga);
   NmeaInput input;
   input.SetPort(5);
   input.SetBaudRate(4800);
@@ -130,19 +112,22 @@ TEST(NmeaInput, AMissingFixedPortFailsOpen) {
   EXPECT_FALSE(input.IsRunning());
 }
 
-// Silent, noisy and corrupt ports beside the one receiver that speaks at 57600; COM3
-// speaks at 4800 and would win the first round, but is never tried.
-TEST(NmeaInput, TheSearchFindsTheOnePortThatSpeaksGoodNmea) {
+// Silent, noisy and corrupt ports beside the one receiver that speaks, at either speed;
+// COM3 speaks at 4800 and would win the first round, but is never tried.
+class TheSearch : public testing::TestWithParam<int> {};
+
+TEST_P(TheSearch, FindsTheOnePortThatSpeaksGoodNmea) {
+  const int baud = GetParam();
   kxtest::PrivateRegistry registry;
-  Receiver silent(4, B4800, Silence), noisy(5, B4800, Garbage), corrupt(6, B4800, BadChecksum);
-  Receiver skipped(3, B4800, Gga), good(7, B57600, Gga);
+  Receiver silent(4, 4800, Silence), noisy(5, 4800, Garbage), corrupt(6, 4800, BadChecksum);
+  Receiver skipped(3, 4800, Gga), good(7, baud, Gga);
   NmeaInput input;
   input.SetPort(0);
   input.SetBaudRate(4800);
   ASSERT_TRUE(input.Open());
   ASSERT_TRUE(input.GetFoundEvent()->WaitFor(6000));
   EXPECT_EQ(input.GetPort(), 7);
-  EXPECT_EQ(input.GetBaudRate(), 57600);
+  EXPECT_EQ(input.GetBaudRate(), baud);
   // The sentence that decided the search isn't delivered; the ones after it are.
   const std::string first = NextTime(input, 1000);
   EXPECT_NE(first, "");
@@ -150,9 +135,51 @@ TEST(NmeaInput, TheSearchFindsTheOnePortThatSpeaksGoodNmea) {
   input.Close();
 }
 
+INSTANTIATE_TEST_SUITE_P(NmeaInput, TheSearch, testing::Values(4800, 57600));
+
+// In automatic mode a receiver that goes away is searched for again, and found when it
+// comes back, here on the same port at the other speed.
+TEST(NmeaInput, AReceiverPluggedInAgainIsFoundAgain) {
+  kxtest::PrivateRegistry registry;
+  auto receiver = std::make_unique<Receiver>(5, 4800, Gga);
+  NmeaInput input;
+  ASSERT_TRUE(input.Open());
+  ASSERT_TRUE(input.GetFoundEvent()->WaitFor(6000));
+  input.GetFoundEvent()->Reset();
+  receiver.reset();
+  EXPECT_TRUE(input.GetLostEvent()->WaitFor(1000));
+  receiver = std::make_unique<Receiver>(5, 57600, Gga);
+  ASSERT_TRUE(input.GetFoundEvent()->WaitFor(10000));
+  EXPECT_EQ(input.GetPort(), 5);
+  EXPECT_EQ(input.GetBaudRate(), 57600);
+  EXPECT_NE(NextTime(input, 1000), "");
+  input.Close();
+}
+
+// With port and speed fixed, a port that failed stays closed until the input is opened
+// again.
+TEST(NmeaInput, AFixedPortThatFailedStaysClosedUntilOpenedAgain) {
+  kxtest::PrivateRegistry registry;
+  auto receiver = std::make_unique<Receiver>(5, 4800, Gga);
+  NmeaInput input;
+  input.SetPort(5);
+  input.SetBaudRate(4800);
+  ASSERT_TRUE(input.Open());
+  ASSERT_TRUE(input.GetFoundEvent()->WaitFor(2000));
+  input.GetFoundEvent()->Reset();
+  receiver.reset();
+  ASSERT_TRUE(input.GetLostEvent()->WaitFor(1000));
+  receiver = std::make_unique<Receiver>(5, 4800, Gga);
+  EXPECT_FALSE(input.GetFoundEvent()->WaitFor(1500));
+  input.Close();
+  ASSERT_TRUE(input.Open());
+  EXPECT_TRUE(input.GetFoundEvent()->WaitFor(2000));
+  input.Close();
+}
+
 TEST(NmeaInput, OneNumberedPortWithoutSpeedIsSearchedAtBothSpeeds) {
   kxtest::PrivateRegistry registry;
-  Receiver other(4, B4800, Gga), wanted(7, B57600, Gga);
+  Receiver other(4, 4800, Gga), wanted(7, 57600, Gga);
   NmeaInput input;
   input.SetPort(7);
   input.SetBaudRate(0);
@@ -165,7 +192,7 @@ TEST(NmeaInput, OneNumberedPortWithoutSpeedIsSearchedAtBothSpeeds) {
 
 TEST(NmeaInput, CloseEndsTheSearchAtOnce) {
   kxtest::PrivateRegistry registry;
-  Receiver silent(4, B4800, Silence);
+  Receiver silent(4, 4800, Silence);
   NmeaInput input;
   ASSERT_TRUE(input.Open());
   std::this_thread::sleep_for(std::chrono::milliseconds(300));

@@ -10,7 +10,7 @@
 #include "frame/WaitGroup.h"
 #include "links/RegistryKey.h"
 #include "links/SerialPort.h"
-#include "tests/support/PseudoTerminal.h"
+#include "tools/rig/SimulatedComPort.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -51,7 +51,7 @@ class SerialPortTest : public ::testing::Test {
   }
 
   kxtest::PrivateRegistry m_registry;
-  kxtest::SimulatedComPort m_com{4};
+  kxrig::SimulatedComPort m_com{4};
   Ref<SerialPort> m_port{new SerialPort()};
 };
 
@@ -216,7 +216,7 @@ TEST_F(SerialPortTest, TheBluetoothBrowserIsSwitchedOnlyForComEightWhenAsked) {
     Ref<kx::Value> value(key->GetValue("BtBrowserEnabled"));
     return value ? value->GetInteger() : -1;
   };
-  kxtest::SimulatedComPort bluetooth(8);
+  kxrig::SimulatedComPort bluetooth(8);
   Ref<SerialPort> port(new SerialPort());
   port->SetPort(8);
   port->Open();

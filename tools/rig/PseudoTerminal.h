@@ -1,11 +1,11 @@
-// A serial line made of a pseudo-terminal, for tests that need a real port: the port's
-// side (/dev/pts/N) is what CreateFileW("COMn:") opens once it is registered as a COM
-// port, and the device's side is the master, which the test reads and writes as the
-// device at the other end of the cable would.
+// A serial line made of a pseudo-terminal, for a port without hardware: the port's side
+// (/dev/pts/N) is what CreateFileW("COMn:") opens once it is registered as a COM port, and
+// the device's side is the master, which is read and written as the device at the other
+// end of the cable would.
 //
 // The line keeps a descriptor of the port's side open all the time, in raw mode, so that
 // the device can send before the port opens and after it closes (without one the master
-// reads nothing but errors), and so that a test can look at the line's termios.
+// reads nothing but errors), and so that the line's settings can be looked at.
 #pragma once
 
 #include <fcntl.h>
@@ -18,9 +18,7 @@
 #include <chrono>
 #include <string>
 
-#include "platform/win32ce.h"
-
-namespace kxtest {
+namespace kxrig {
 
 class PseudoTerminal {
  public:
@@ -47,7 +45,8 @@ class PseudoTerminal {
   bool IsReady() const { return m_device >= 0 && m_portSide >= 0; }
   const std::string& PortPath() const { return m_portPath; }
 
-  // Bytes from the device to the port.
+  // Bytes from the device to the port. While nobody reads the port its buffer may fill;
+  // then the bytes are lost, as on a cable.
   bool Send(const std::string& bytes) {
     return m_device >= 0 && ::write(m_device, bytes.data(), bytes.size()) == ssize_t(bytes.size());
   }
@@ -80,6 +79,10 @@ class PseudoTerminal {
     tcgetattr(m_portSide, &line);
     return line;
   }
+  speed_t Speed() const {
+    const termios line = Settings();
+    return cfgetospeed(&line);
+  }
 
  private:
   int m_device = -1;
@@ -87,51 +90,4 @@ class PseudoTerminal {
   std::string m_portPath;
 };
 
-// An entry under HKEY_LOCAL_MACHINE\Drivers\Active that makes a device path a COM port,
-// removed again at the end of the scope. Meant for a test's private registry.
-class ComPortEntry {
- public:
-  ComPortEntry(int port, const std::string& devicePath)
-      : m_entry(u"Drivers\\Active\\test" + Wide(std::to_string(port))) {
-    HKEY key = nullptr;
-    RegCreateKeyExW(HKEY_LOCAL_MACHINE, m_entry.c_str(), 0, nullptr, 0, 0, nullptr, &key, nullptr);
-    SetText(key, u"Name", "COM" + std::to_string(port) + ":");
-    SetText(key, u"DevicePath", devicePath);
-    RegCloseKey(key);
-  }
-  ~ComPortEntry() { RegDeleteKeyW(HKEY_LOCAL_MACHINE, m_entry.c_str()); }
-  ComPortEntry(const ComPortEntry&) = delete;
-  ComPortEntry& operator=(const ComPortEntry&) = delete;
-
-  static std::u16string Wide(const std::string& text) {
-    return std::u16string(text.begin(), text.end());
-  }
-  static void SetText(HKEY key, const char16_t* name, const std::string& text) {
-    const std::u16string wide = Wide(text);
-    RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(wide.c_str()),
-                   DWORD((wide.size() + 1) * 2));
-  }
-
- private:
-  std::u16string m_entry;
-};
-
-// A pseudo-terminal registered as COMn: in the registry that is in use, which should be
-// the test's own (PrivateRegistry).
-class SimulatedComPort {
- public:
-  explicit SimulatedComPort(int port) : m_port(port), m_entry(port, m_line.PortPath()) {}
-
-  int Port() const { return m_port; }
-  std::u16string DeviceName() const {
-    return ComPortEntry::Wide("COM" + std::to_string(m_port) + ":");
-  }
-  PseudoTerminal& Line() { return m_line; }
-
- private:
-  int m_port;
-  PseudoTerminal m_line;
-  ComPortEntry m_entry;
-};
-
-}  // namespace kxtest
+}  // namespace kxrig
