@@ -1,7 +1,6 @@
 // The GPS engine through its exported functions: text by hand, events by window message,
 // by queue and by polling, the status, and the settings' refusals.
 #include <gtest/gtest.h>
-
 #include <time.h>
 
 #include <atomic>
@@ -12,7 +11,9 @@
 
 #include "KestrixCE.h"
 #include "support/ApiText.h"
+#include "support/EventWindow.h"
 
+using kxtest::EventWindow;
 using kxtest::Failure;
 
 namespace {
@@ -32,62 +33,6 @@ std::u16string Line(const std::string& body) {
 const std::u16string kRmc =
     Line("GPRMC,123520,A,4807.040,N,01131.002,E,022.4,084.4,230394,003.1,W");
 
-// Events posted to a window of this thread, in order; each object is given up.
-class Window {
- public:
-  Window() {
-    static const bool registered = [] {
-      WNDCLASSW windowClass{};
-      windowClass.lpfnWndProc = DefWindowProcW;
-      windowClass.lpszClassName = u"KxParserTestWindow";
-      return RegisterClassW(&windowClass) != 0;
-    }();
-    EXPECT_TRUE(registered);
-    m_window = CreateWindowExW(0, u"KxParserTestWindow", u"", 0, 0, 0, 0, 0, nullptr, nullptr,
-                               nullptr, nullptr);
-  }
-  ~Window() {
-    Drain();
-    DestroyWindow(m_window);
-  }
-  HWND Handle() const { return m_window; }
-  std::vector<int> Drain() {
-    std::vector<int> types;
-    MSG message;
-    while (PeekMessageW(&message, m_window, 0, 0, PM_REMOVE)) {
-      EXPECT_EQ(message.message, unsigned(KX_NMEA_MESSAGE));
-      types.push_back(int(message.wParam));
-      Release(int(message.wParam), reinterpret_cast<void*>(message.lParam));
-    }
-    return types;
-  }
-  static void Release(int type, void* object) {
-    switch (type) {
-      case KX_EVENT_SENTENCE:
-        NmeaSentence_Delete(static_cast<KxNmeaSentence>(object));
-        break;
-      case KX_EVENT_FIX:
-        GpsFix_Delete(static_cast<KxGpsFix>(object));
-        break;
-      case KX_EVENT_SATELLITES:
-        Satellites_Delete(static_cast<KxSatellites>(object));
-        break;
-      case KX_EVENT_MOVEMENT:
-        Movement_Delete(static_cast<KxMovement>(object));
-        break;
-      case KX_EVENT_QUALITY:
-        Quality_Delete(static_cast<KxQuality>(object));
-        break;
-      case KX_EVENT_STATUS:
-        ComStatus_Delete(static_cast<KxComStatus>(object));
-        break;
-    }
-  }
-
- private:
-  HWND m_window;
-};
-
 class NmeaParserTest : public ::testing::Test {
  protected:
   void TearDown() override { NmeaParser_Delete(parser); }
@@ -96,7 +41,7 @@ class NmeaParserTest : public ::testing::Test {
 };
 
 TEST_F(NmeaParserTest, WindowEventsComeInTheirOrder) {
-  Window window;
+  EventWindow window;
   NmeaParser_SetCallbackHWND(parser, window.Handle());
   NmeaParser_Parse(parser, kGga);
   EXPECT_EQ(window.Drain(), (std::vector<int>{9, 5, 1}));  // valid fix changed first
@@ -140,7 +85,7 @@ TEST_F(NmeaParserTest, AFixCarriesItsPositionAndTheLastGgaAltitude) {
 }
 
 TEST_F(NmeaParserTest, IntervalsCountSecondsOfGpsTime) {
-  Window window;
+  EventWindow window;
   NmeaParser_SetCallbackHWND(parser, window.Handle());
   NmeaParser_EventInterval(parser, 5000, 5);
   NmeaParser_EventInterval(parser, -1, 7);
@@ -159,7 +104,7 @@ TEST_F(NmeaParserTest, IntervalsCountSecondsOfGpsTime) {
 }
 
 TEST_F(NmeaParserTest, AFixTurnedOffChangesNothing) {
-  Window window;
+  EventWindow window;
   NmeaParser_SetCallbackHWND(parser, window.Handle());
   NmeaParser_EventInterval(parser, -1, 5);
   NmeaParser_Parse(parser, kGga);
@@ -170,7 +115,7 @@ TEST_F(NmeaParserTest, AFixTurnedOffChangesNothing) {
 }
 
 TEST_F(NmeaParserTest, ASatelliteCycleIsOneEventAtItsEnd) {
-  Window window;
+  EventWindow window;
   NmeaParser_SetCallbackHWND(parser, window.Handle());
   NmeaParser_Parse(parser,
                    Line("GPGSV,3,1,09,01,10,100,30,02,20,200,31,03,30,300,32,04,,,").c_str());
@@ -194,7 +139,7 @@ TEST_F(NmeaParserTest, TheQueueDeliversInOrderAndObjectsOutliveClose) {
     if (type == KX_EVENT_FIX)
       fix = static_cast<KxGpsFix>(object);
     else
-      Window::Release(type, object);
+      EventWindow::Release(type, object);
   }
   EXPECT_EQ(types, (std::vector<int>{9, 5, 7, 1}));
   NmeaParser_Close(parser);
