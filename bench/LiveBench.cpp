@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "KestrixCE.h"
+#include "tools/rig/EventObject.h"
 #include "tools/rig/SimulatedComPort.h"
 #include "tools/rig/SimulatedReceiver.h"
 
@@ -62,17 +63,6 @@ std::string Gga(int64_t n) {
 }
 std::string Noise(int64_t) { return "\x13\xfe$GP\x80 noise\r\n"; }
 
-void Release(int type, void* object) {
-  switch (type) {
-    case KX_EVENT_SENTENCE: NmeaSentence_Delete(static_cast<KxNmeaSentence>(object)); break;
-    case KX_EVENT_FIX: GpsFix_Delete(static_cast<KxGpsFix>(object)); break;
-    case KX_EVENT_SATELLITES: Satellites_Delete(static_cast<KxSatellites>(object)); break;
-    case KX_EVENT_MOVEMENT: Movement_Delete(static_cast<KxMovement>(object)); break;
-    case KX_EVENT_QUALITY: Quality_Delete(static_cast<KxQuality>(object)); break;
-    case KX_EVENT_STATUS: ComStatus_Delete(static_cast<KxComStatus>(object)); break;
-  }
-}
-
 // A parser that hands its events to a reader thread through the queue, counting them.
 class CountingParser {
  public:
@@ -101,7 +91,7 @@ class CountingParser {
     while (void* object = NmeaParser_GetEventData(m_parser, &type)) {
       if (type == KX_EVENT_SENTENCE) ++m_sentences;
       if (type == KX_EVENT_FIX) ++m_fixes;
-      Release(type, object);
+      kxrig::ReleaseEventObject(type, object);
     }
   }
 
@@ -125,9 +115,10 @@ void FirstFix() {
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     times.push_back(parser.HasFix() ? Seconds(Clock::now() - start) : -1);
   }
-  std::printf("enable to first fix, one receiver at 57600 among four ports: %.2f s, %.2f s, %.2f s"
-              " (aim: under 5 s)\n",
-              times[0], times[1], times[2]);
+  std::printf(
+      "enable to first fix, one receiver at 57600 among four ports: %.2f s, %.2f s, %.2f s"
+      " (aim: under 5 s)\n",
+      times[0], times[1], times[2]);
 }
 
 void IdleCpu(const char* what, short port, int baud, double seconds) {

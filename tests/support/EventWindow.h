@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "KestrixCE.h"
+#include "tools/rig/EventObject.h"
 
 namespace kxtest {
 
@@ -38,28 +39,7 @@ class EventWindow {
     }
     return types;
   }
-  static void Release(int type, void* object) {
-    switch (type) {
-      case KX_EVENT_SENTENCE:
-        NmeaSentence_Delete(static_cast<KxNmeaSentence>(object));
-        break;
-      case KX_EVENT_FIX:
-        GpsFix_Delete(static_cast<KxGpsFix>(object));
-        break;
-      case KX_EVENT_SATELLITES:
-        Satellites_Delete(static_cast<KxSatellites>(object));
-        break;
-      case KX_EVENT_MOVEMENT:
-        Movement_Delete(static_cast<KxMovement>(object));
-        break;
-      case KX_EVENT_QUALITY:
-        Quality_Delete(static_cast<KxQuality>(object));
-        break;
-      case KX_EVENT_STATUS:
-        ComStatus_Delete(static_cast<KxComStatus>(object));
-        break;
-    }
-  }
+  static void Release(int type, void* object) { kxrig::ReleaseEventObject(type, object); }
 
  private:
   HWND m_window;

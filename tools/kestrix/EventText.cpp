@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/rig/EventObject.h"
+
 namespace kestrix {
 
 namespace {
@@ -164,29 +166,6 @@ std::string EventText::Describe(int type, void* object, short grid, bool json) {
   }
 }
 
-void EventText::Release(int type, void* object) {
-  switch (type) {
-    case KX_EVENT_SENTENCE:
-      NmeaSentence_Delete(static_cast<KxNmeaSentence>(object));
-      break;
-    case KX_EVENT_FIX:
-      GpsFix_Delete(static_cast<KxGpsFix>(object));
-      break;
-    case KX_EVENT_SATELLITES:
-      Satellites_Delete(static_cast<KxSatellites>(object));
-      break;
-    case KX_EVENT_MOVEMENT:
-      Movement_Delete(static_cast<KxMovement>(object));
-      break;
-    case KX_EVENT_QUALITY:
-      Quality_Delete(static_cast<KxQuality>(object));
-      break;
-    case KX_EVENT_STATUS:
-      ComStatus_Delete(static_cast<KxComStatus>(object));
-      break;
-    default:
-      break;
-  }
-}
+void EventText::Release(int type, void* object) { kxrig::ReleaseEventObject(type, object); }
 
 }  // namespace kestrix

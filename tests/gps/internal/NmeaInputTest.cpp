@@ -137,6 +137,14 @@ TEST_P(TheSearch, FindsTheOnePortThatSpeaksGoodNmea) {
 
 INSTANTIATE_TEST_SUITE_P(NmeaInput, TheSearch, testing::Values(4800, 57600));
 
+// The receiver goes away once the input has found it, and the input notices at once.
+void Unplug(NmeaInput& input, std::unique_ptr<Receiver>& receiver, int findWithin) {
+  ASSERT_TRUE(input.GetFoundEvent()->WaitFor(findWithin));
+  input.GetFoundEvent()->Reset();
+  receiver.reset();
+  ASSERT_TRUE(input.GetLostEvent()->WaitFor(1000));
+}
+
 // In automatic mode a receiver that goes away is searched for again, and found when it
 // comes back, here on the same port at the other speed.
 TEST(NmeaInput, AReceiverPluggedInAgainIsFoundAgain) {
@@ -144,10 +152,7 @@ TEST(NmeaInput, AReceiverPluggedInAgainIsFoundAgain) {
   auto receiver = std::make_unique<Receiver>(5, 4800, Gga);
   NmeaInput input;
   ASSERT_TRUE(input.Open());
-  ASSERT_TRUE(input.GetFoundEvent()->WaitFor(6000));
-  input.GetFoundEvent()->Reset();
-  receiver.reset();
-  EXPECT_TRUE(input.GetLostEvent()->WaitFor(1000));
+  Unplug(input, receiver, 6000);
   receiver = std::make_unique<Receiver>(5, 57600, Gga);
   ASSERT_TRUE(input.GetFoundEvent()->WaitFor(10000));
   EXPECT_EQ(input.GetPort(), 5);
@@ -165,10 +170,7 @@ TEST(NmeaInput, AFixedPortThatFailedStaysClosedUntilOpenedAgain) {
   input.SetPort(5);
   input.SetBaudRate(4800);
   ASSERT_TRUE(input.Open());
-  ASSERT_TRUE(input.GetFoundEvent()->WaitFor(2000));
-  input.GetFoundEvent()->Reset();
-  receiver.reset();
-  ASSERT_TRUE(input.GetLostEvent()->WaitFor(1000));
+  Unplug(input, receiver, 2000);
   receiver = std::make_unique<Receiver>(5, 4800, Gga);
   EXPECT_FALSE(input.GetFoundEvent()->WaitFor(1500));
   input.Close();
