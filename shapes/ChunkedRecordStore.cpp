@@ -1,5 +1,6 @@
 #include "shapes/ChunkedRecordStore.h"
 
+#include <algorithm>
 #include <new>
 
 #include "frame/ErrorNumbers.h"
@@ -94,6 +95,17 @@ RecordChunk* ChunkedRecordStore::NewChunk(int32_t capacity) {
   return chunk;
 }
 
+int32_t ChunkedRecordStore::NextChunkCapacity() const {
+  switch (GetChunkCount()) {
+    case 0:
+      return m_firstCapacity;
+    case 1:
+      return m_secondCapacity;
+    default:
+      return m_chunkCapacity;
+  }
+}
+
 // Takes over the caller's reference; on failure the chunk is given up.
 bool ChunkedRecordStore::InsertChunk(int32_t place, RecordChunk* chunk) {
   try {
@@ -143,7 +155,7 @@ void ChunkedRecordStore::Insert(int32_t index, const void* record) {
     return;
   }
   if (m_chunks.empty()) {
-    RecordChunk* chunk = NewChunk(m_firstCapacity);
+    RecordChunk* chunk = NewChunk(NextChunkCapacity());
     if (!chunk || !InsertChunk(0, chunk)) return;
     chunk->Insert(0, record);
     PlaceCursor(0, 0, 0);
@@ -160,7 +172,7 @@ void ChunkedRecordStore::Insert(int32_t index, const void* record) {
   if (chunk->FreeSlots() > 0) {
     m_cursorPosition = position;
   } else {
-    RecordChunk* fresh = NewChunk(GetChunkCount() == 1 ? m_secondCapacity : m_chunkCapacity);
+    RecordChunk* fresh = NewChunk(NextChunkCapacity());
     if (!fresh || !InsertChunk(m_cursorChunk + 1, fresh)) return;
     if (position == chunk->GetCapacity())
       PlaceCursor(m_cursorChunk + 1, 0, 0);  // an append moves nothing
@@ -170,6 +182,26 @@ void ChunkedRecordStore::Insert(int32_t index, const void* record) {
   CursorChunk()->Insert(m_cursorPosition, record);
   m_cursorRecord = index;
   ++m_count;
+}
+
+int32_t ChunkedRecordStore::Append(const void* records, int32_t count) {
+  ClearError();
+  if (count <= 0 || !CheckRecord(records)) return 0;
+  const auto* bytes = static_cast<const uint8_t*>(records);
+  int32_t placed = 0;
+  while (placed < count) {
+    if (m_chunks.empty() || m_chunks.back()->FreeSlots() == 0) {
+      RecordChunk* fresh = NewChunk(NextChunkCapacity());
+      if (!fresh || !InsertChunk(GetChunkCount(), fresh)) break;
+    }
+    RecordChunk* last = m_chunks.back();
+    const int32_t run = std::min(count - placed, last->FreeSlots());
+    last->Append(bytes + int64_t(placed) * last->GetRecordSize(), run);
+    placed += run;
+    m_count += run;
+  }
+  if (placed > 0) PlaceCursor(GetChunkCount() - 1, m_chunks.back()->GetCount() - 1, m_count - 1);
+  return placed;
 }
 
 void ChunkedRecordStore::Remove(int32_t index) {

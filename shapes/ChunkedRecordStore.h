@@ -23,6 +23,10 @@ class ChunkedRecordStore : public BaseObject {
   int32_t GetCount() const { return m_count; }
   // Index -1 appends. The cursor ends on the new record.
   void Insert(int32_t index, const void* record);
+  // `count` records behind the last, side by side at the chunks' record size, in the
+  // chunks that one Insert after another would give them. Returns how many found room: fewer only
+  // when memory ran out. The cursor ends on the last record.
+  int32_t Append(const void* records, int32_t count);
   void Remove(int32_t index);
   void Set(int32_t index, const void* record);
   void Get(int32_t index, void* record);
@@ -41,6 +45,8 @@ class ChunkedRecordStore : public BaseObject {
   void PlaceCursor(int32_t chunk, int32_t position, int32_t record);
   void ForgetCursor() { PlaceCursor(-1, 0, 0); }
   RecordChunk* NewChunk(int32_t capacity);
+  // The first, the second, then every later chunk has its own capacity.
+  int32_t NextChunkCapacity() const;
   bool InsertChunk(int32_t place, RecordChunk* chunk);
   void SplitInto(RecordChunk* full, RecordChunk* fresh, int32_t position);
   bool CheckRecord(const void* record);

@@ -44,6 +44,12 @@ void RecordChunk::InsertZero(int32_t position) {
   ++m_count;
 }
 
+void RecordChunk::Append(const void* records, int32_t count) {
+  ClearError();
+  std::memcpy(Slot(m_count), records, size_t(count) * m_recordSize);
+  m_count += count;
+}
+
 void RecordChunk::Remove(int32_t position) {
   ClearError();
   if (!InRange(position)) return;

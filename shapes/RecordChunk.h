@@ -23,6 +23,8 @@ class RecordChunk : public BaseObject {
   // The caller makes sure that a slot is free.
   void Insert(int32_t position, const void* record);
   void InsertZero(int32_t position);
+  // `count` records behind the last; the caller makes sure that they fit.
+  void Append(const void* records, int32_t count);
   void Remove(int32_t position);
   void Set(int32_t position, const void* record);
   void Get(int32_t position, void* record);

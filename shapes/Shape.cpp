@@ -1,6 +1,7 @@
 // Shape: storage, the cursor, the working copy and its bounds, positions.
 #include "shapes/Shape.h"
 
+#include <algorithm>
 #include <new>
 
 #include "frame/ErrorNumbers.h"
@@ -17,6 +18,13 @@ namespace {
 constexpr int32_t kFirstChunk = 20;
 constexpr int32_t kSecondChunk = 50;
 constexpr int32_t kLaterChunks = 100;
+
+// One dimension's extremes taking in a value; a NaN changes neither. Written as
+// selections, which the compiler turns into min and max instructions without branches.
+inline void Extend(double& low, double& high, double value) {
+  low = value < low ? value : low;
+  high = value > high ? value : high;
+}
 }  // namespace
 
 Shape::Shape() = default;
@@ -301,8 +309,26 @@ void Shape::TakeFirstValue(Dimension d, double value) {
 }
 
 void Shape::Widen(Dimension d, double value) {
-  if (value < m_bounds[2 * d]) m_bounds[2 * d] = value;
-  if (value > m_bounds[2 * d + 1]) m_bounds[2 * d + 1] = value;
+  Extend(m_bounds[2 * d], m_bounds[2 * d + 1], value);
+}
+
+// On a copy of the bounds, which the records can't alias, so that they stay in registers.
+void Shape::WidenOver(const NodeRecord* records, int32_t count) {
+  double b[kBoundCount];
+  std::copy(m_bounds, m_bounds + kBoundCount, b);
+  if (m_totalNodeCount == 0) {
+    b[kMinX] = b[kMaxX] = records[0].x;
+    b[kMinY] = b[kMaxY] = records[0].y;
+    b[kMinZ] = b[kMaxZ] = records[0].z;
+    b[kMinM] = b[kMaxM] = records[0].m;
+  }
+  for (int32_t k = 0; k < count; ++k) {
+    Extend(b[kMinX], b[kMaxX], records[k].x);
+    Extend(b[kMinY], b[kMaxY], records[k].y);
+    Extend(b[kMinZ], b[kMaxZ], records[k].z);
+    Extend(b[kMinM], b[kMaxM], records[k].m);
+  }
+  std::copy(b, b + kBoundCount, m_bounds);
 }
 
 void Shape::ZeroBounds() {
@@ -318,8 +344,8 @@ bool Shape::Track(Dimension d, double value) {
     TakeFirstValue(d, value);
     return false;
   }
-  const bool rescan = (old == m_bounds[2 * d] && value > old) ||
-                      (old == m_bounds[2 * d + 1] && value < old);
+  const bool rescan =
+      (old == m_bounds[2 * d] && value > old) || (old == m_bounds[2 * d + 1] && value < old);
   Widen(d, value);
   return rescan;
 }

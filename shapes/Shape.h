@@ -65,9 +65,10 @@ class Shape : public BaseObject {
   Position* GetPosition();
   void NewNode(int32_t index);
   void DeleteNode();
-  // Bulk loading: straight into storage at the end of the active part.
+  // Bulk loading: straight into storage at the end of the active part. The records
+  // take the next NodeIDs of the counter in place.
   void AppendNode(double x, double y, double z, double m);
-  void AppendNodes(const NodeRecord* records, int32_t count);
+  void AppendNodes(NodeRecord* records, int32_t count);
 
   // ---- parts and the whole
   void NewPart(int32_t index);
@@ -157,6 +158,8 @@ class Shape : public BaseObject {
   bool Track(Dimension d, double value);
   void TakeFirstValue(Dimension d, double value);
   void Widen(Dimension d, double value);
+  // The bounds take in a run of new nodes; the shape's first node sets them.
+  void WidenOver(const NodeRecord* records, int32_t count);
   void ZeroBounds();
   bool TouchesBounds(int32_t part) const;
   void ScanBounds(int32_t firstPart, int32_t lastPart, double bounds[kBoundCount]) const;
@@ -164,6 +167,7 @@ class Shape : public BaseObject {
   // editing
   bool RefuseFixedSize();
   bool InsertNode(int32_t index, const NodeRecord& record, int32_t& placed);
+  int32_t StoreRun(const NodeRecord* records, int32_t count);
   void ClearActivePart();
   void Reset();
   void FreeFixedParts();

@@ -1,4 +1,5 @@
 // Shape: nodes and parts made and deleted, copies, fixed-size storage, the bounds scan.
+#include <algorithm>
 #include <new>
 
 #include "frame/ErrorNumbers.h"
@@ -67,13 +68,13 @@ void Shape::NewNode(int32_t index) {
 }
 
 void Shape::AppendNode(double x, double y, double z, double m) {
-  const NodeRecord record{0, 0, x, y, z, m};
+  NodeRecord record{0, 0, x, y, z, m};
   AppendNodes(&record, 1);
 }
 
-// The NodeIDs of the records are replaced by the next ones of the counter. A fixed part
-// takes the records in one copy.
-void Shape::AppendNodes(const NodeRecord* records, int32_t count) {
+// The run goes into storage in one copy and into the bounds in one pass; a store that
+// runs out of memory keeps the records placed before.
+void Shape::AppendNodes(NodeRecord* records, int32_t count) {
   LockScope lock;
   ClearError();
   EnsureStorage();
@@ -89,28 +90,37 @@ void Shape::AppendNodes(const NodeRecord* records, int32_t count) {
     return;
   }
   Commit();
-  int32_t placed = 0;
-  for (int32_t k = 0; k < count; ++k) {
-    NodeRecord record = records[k];
-    record.nodeId = m_nextNodeId;
-    if (!InsertNode(-1, record, placed)) break;
-    ++m_nextNodeId;
-    const double values[4] = {record.x, record.y, record.z, record.m};
-    for (Dimension d : {kX, kY, kZ, kM}) {
-      if (m_totalNodeCount == 0)
-        TakeFirstValue(d, values[d]);
-      else
-        Widen(d, values[d]);
-      m_value[d] = values[d];
-    }
-    m_workingNodeId = record.nodeId;
-    m_nodeIndex = placed;
+  for (int32_t k = 0; k < count; ++k) records[k].nodeId = m_nextNodeId + k;
+  const int32_t placed = StoreRun(records, count);
+  RefreshPartNodeCount();
+  if (placed > 0) {
+    WidenOver(records, placed);
+    const NodeRecord& last = records[placed - 1];
+    m_value[kX] = last.x;
+    m_value[kY] = last.y;
+    m_value[kZ] = last.z;
+    m_value[kM] = last.m;
+    m_workingNodeId = last.nodeId;
+    m_nextNodeId += placed;
+    m_nodeIndex = m_partNodeCount - 1;
     m_empty = false;
     m_fresh = false;
-    ++m_totalNodeCount;
+    m_totalNodeCount += placed;
   }
-  RefreshPartNodeCount();
   Changed();
+}
+
+// Behind the last node of the active part; returns how many records found room.
+int32_t Shape::StoreRun(const NodeRecord* records, int32_t count) {
+  if (ChunkedRecordStore* store = ActiveStore()) {
+    const int32_t placed = store->Append(records, count);
+    CopyError(store);
+    return placed;
+  }
+  FixedPart* slot = ActiveFixedPart();
+  std::copy(records, records + count, slot->nodes + slot->count);
+  slot->count += count;
+  return count;
 }
 
 // ---- new parts --------------------------------------------------------------------

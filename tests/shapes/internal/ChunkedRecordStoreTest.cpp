@@ -69,6 +69,28 @@ TEST(ChunkedRecordStore, AppendsOpenChunksOf20Then50Then100AndMoveNothing) {
   EXPECT_EQ(Values(*store), Range(0, 171));
 }
 
+// Runs of all lengths, behind records that a removal took from the last chunk: the same
+// chunks as one append after another, and the cursor on the last record.
+TEST(ChunkedRecordStore, ARunAppendedInOneCallLandsWhereSingleAppendsWould) {
+  Ref<ChunkedRecordStore> many = NewStore(), one = NewStore();
+  std::vector<int32_t> model;
+  for (int32_t run : {7, 13, 30, 1, 149, 100, 250}) {
+    std::vector<Record> records;
+    for (int32_t k = 0; k < run; ++k) records.push_back(R(int32_t(model.size()) + k));
+    EXPECT_EQ(many->Append(records.data(), run), run);
+    Append(*one, int32_t(model.size()), int32_t(model.size()) + run);
+    for (const Record& r : records) model.push_back(r.value);
+    EXPECT_EQ(ChunkCapacities(*many), ChunkCapacities(*one)) << run;
+    EXPECT_EQ(ChunkCounts(*many), ChunkCounts(*one)) << run;
+    many->Remove(many->GetCount() - 1);
+    one->Remove(one->GetCount() - 1);
+    model.pop_back();
+  }
+  EXPECT_EQ(Values(*many), model);
+  EXPECT_EQ(many->Append(nullptr, 0), 0);
+  EXPECT_FALSE(many->Error().Failed());
+}
+
 TEST(ChunkedRecordStore, InsertingIntoAFullChunkSplitsItAtHalfItsCapacity) {
   Ref<ChunkedRecordStore> store = NewStore();
   Append(*store, 1, 21);
@@ -92,7 +114,7 @@ TEST(ChunkedRecordStore, InsertingIntoAFullChunkSplitsItAtHalfItsCapacity) {
 
 TEST(ChunkedRecordStore, RemovingAMiddleChunksOnlyRecordDropsTheChunk) {
   Ref<ChunkedRecordStore> store = NewStore();
-  Append(*store, 0, 71);                                  // 20, 50, 1
+  Append(*store, 0, 71);                                // 20, 50, 1
   for (int32_t k = 69; k >= 21; --k) store->Remove(k);  // the middle chunk keeps one
   EXPECT_EQ(ChunkCounts(*store), (std::vector<int32_t>{20, 1, 1}));
   store->Remove(20);
