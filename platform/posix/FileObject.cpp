@@ -63,6 +63,17 @@ int OpenByDisposition(const std::string& path, int flags, DWORD disposition) {
   }
 }
 
+// A descriptor that can't be positioned (a pipe, a terminal) transfers at its own place.
+ssize_t ReadAt(int descriptor, void* buffer, size_t count, int64_t offset) {
+  const ssize_t got = ::pread(descriptor, buffer, count, off_t(offset));
+  return got < 0 && errno == ESPIPE ? ::read(descriptor, buffer, count) : got;
+}
+
+ssize_t WriteAt(int descriptor, const void* data, size_t count, int64_t offset) {
+  const ssize_t put = ::pwrite(descriptor, data, count, off_t(offset));
+  return put < 0 && errno == ESPIPE ? ::write(descriptor, data, count) : put;
+}
+
 bool IsDirectory(int descriptor) {
   struct stat status;
   return ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
@@ -108,13 +119,14 @@ BOOL FileObject::Read(void* buffer, DWORD count, DWORD& done) {
   // A disk file gives all that is asked unless the end comes first, as on the device.
   auto* bytes = static_cast<char*>(buffer);
   while (done < count) {
-    const ssize_t got = ::read(m_descriptor, bytes + done, count - done);
+    const ssize_t got = ReadAt(m_descriptor, bytes + done, count - done, m_position);
     if (got == 0) break;
     if (got < 0) {
       if (errno == EINTR) continue;
       return FailFromErrno();
     }
     done += DWORD(got);
+    m_position += got;
   }
   return TRUE;
 }
@@ -127,12 +139,13 @@ BOOL FileObject::Write(const void* data, DWORD count, DWORD& done) {
   }
   const auto* bytes = static_cast<const char*>(data);
   while (done < count) {
-    const ssize_t put = ::write(m_descriptor, bytes + done, count - done);
+    const ssize_t put = WriteAt(m_descriptor, bytes + done, count - done, m_position);
     if (put < 0) {
       if (errno == EINTR) continue;
       return FailFromErrno();
     }
     done += DWORD(put);
+    m_position += put;
   }
   return TRUE;
 }
@@ -148,9 +161,9 @@ BOOL FileObject::Close() {
 }
 
 BOOL FileObject::PositionFrom(int64_t distance, DWORD moveMethod, int64_t& position) {
-  off_t base = 0;
+  int64_t base = 0;
   if (moveMethod == FILE_CURRENT) {
-    base = ::lseek(m_descriptor, 0, SEEK_CUR);
+    base = m_position;
   } else if (moveMethod == FILE_END) {
     struct stat status;
     base = ::fstat(m_descriptor, &status) == 0 ? status.st_size : -1;
@@ -159,14 +172,12 @@ BOOL FileObject::PositionFrom(int64_t distance, DWORD moveMethod, int64_t& posit
     return FALSE;
   }
   if (base < 0) return FailFromErrno();
-  position = int64_t(base) + distance;
+  position = base + distance;
   if (position >= 0) return TRUE;
   SetLastError(ERROR_NEGATIVE_SEEK);
   return FALSE;
 }
 
-BOOL FileObject::MoveTo(int64_t position) {
-  return ::lseek(m_descriptor, off_t(position), SEEK_SET) < 0 ? FailFromErrno() : TRUE;
-}
+void FileObject::MoveTo(int64_t position) { m_position = position; }
 
 }  // namespace platform

@@ -80,7 +80,7 @@ DWORD SetFilePointer(HANDLE handle, LONG distance, LONG* distanceHigh, DWORD mov
     SetLastError(ERROR_INVALID_PARAMETER);
     return INVALID_SET_FILE_POINTER;
   }
-  if (!file->MoveTo(position)) return INVALID_SET_FILE_POINTER;
+  file->MoveTo(position);
   if (distanceHigh) {
     *distanceHigh = LONG(position >> 32);
     SetLastError(ERROR_SUCCESS);  // the low part alone may look like the failure value

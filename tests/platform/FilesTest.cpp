@@ -62,6 +62,30 @@ TEST(Files, WriteSeekAndReadThroughBackslashedPaths) {
   EXPECT_EQ(Contents(directory / "data.bin"), "hello world");
 }
 
+// Each transfer starts at the handle's pointer and moves it; a write beyond the end
+// leaves zeros in between.
+TEST(Files, TransfersStartAtTheHandlesPointerAndMoveIt) {
+  kxtest::TempDirectory directory;
+  const std::string path = directory / "data.bin";
+  Put(path, "0123456789");
+  HANDLE file = Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
+  HANDLE other = Open(path, GENERIC_READ, OPEN_EXISTING);
+  char bytes[4] = {};
+  DWORD done = 0;
+  EXPECT_EQ(SetFilePointer(file, 3, nullptr, FILE_BEGIN), 3u);
+  EXPECT_TRUE(ReadFile(file, bytes, 2, &done, nullptr));
+  EXPECT_EQ(std::string(bytes, done), "34");
+  EXPECT_TRUE(WriteFile(file, "ab", 2, &done, nullptr));
+  EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), 7u);
+  EXPECT_TRUE(ReadFile(other, bytes, 4, &done, nullptr));  // its own pointer, still at 0
+  EXPECT_EQ(std::string(bytes, done), "0123");
+  EXPECT_EQ(SetFilePointer(file, 2, nullptr, FILE_END), 12u);
+  EXPECT_TRUE(WriteFile(file, "z", 1, &done, nullptr));
+  CloseHandle(file);
+  CloseHandle(other);
+  EXPECT_EQ(Contents(path), std::string("01234ab789\0\0z", 13));
+}
+
 TEST(Files, DispositionsAndTheirErrorsAsOnTheDevice) {
   kxtest::TempDirectory directory;
   const std::string path = directory / "file.txt";
