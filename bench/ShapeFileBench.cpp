@@ -27,6 +27,8 @@ namespace fs = std::filesystem;
 constexpr int kMillion = 1000000;
 constexpr int kPolylines = 10000;
 constexpr int kPolylineNodes = 100;
+static_assert(kPolylines * kPolylineNodes <= kMillion,
+              "the polylines take their nodes from the table");
 
 // ---- the files ----------------------------------------------------------------------
 
@@ -101,15 +103,31 @@ const Sample& Points() {
   return sample;
 }
 
-double Coordinate(int k, int axis) { return 400000 + 1000 * std::sin(0.001 * k + axis) + k; }
+// A million coordinates, made once so that the writers are measured without them:
+// point k, or node n of polyline k at k * 100 + n.
+struct Coordinates {
+  std::vector<double> x, y;
+};
+
+const Coordinates& Table() {
+  static const Coordinates table = [] {
+    Coordinates c;
+    for (int k = 0; k < kMillion; ++k) {
+      c.x.push_back(400000 + 1000 * std::sin(0.001 * k) + k);
+      c.y.push_back(400000 + 1000 * std::sin(0.001 * k + 1) + k);
+    }
+    return c;
+  }();
+  return table;
+}
 
 const Sample& MillionPoints() {
   static const Sample sample = [] {
     const std::string name = TempFile("million_points.shp");
     SHPHandle shp = SHPCreate(name.c_str(), SHPT_POINT);
     for (int k = 0; k < kMillion && shp; ++k) {
-      const double x = Coordinate(k, 0), y = Coordinate(k, 1);
-      SHPObject* point = SHPCreateSimpleObject(SHPT_POINT, 1, &x, &y, nullptr);
+      SHPObject* point =
+          SHPCreateSimpleObject(SHPT_POINT, 1, &Table().x[k], &Table().y[k], nullptr);
       SHPWriteObject(shp, -1, point);
       SHPDestroyObject(point);
     }
@@ -204,6 +222,7 @@ BENCHMARK(ReadMillionPoints_Shapelib)->Unit(benchmark::kMillisecond);
 // Records are numbered from 1, as shapelib numbers them.
 template <class MakeShape>
 void WriteWithLibrary(benchmark::State& state, int type, int count, MakeShape make) {
+  Table();
   const std::u16string name = Wide(TempFile("library_written.shp"));
   KxShapeFile file = ShapeFile_New();
   ShapeFile_SetShapeFileType(file, type);
@@ -224,6 +243,7 @@ void WriteWithLibrary(benchmark::State& state, int type, int count, MakeShape ma
 
 template <class MakeObject>
 void WriteWithShapelib(benchmark::State& state, int type, int count, MakeObject make) {
+  Table();
   const std::string name = TempFile("shapelib_written.shp");
   for (auto _ : state) {
     SHPHandle shp = SHPCreate(name.c_str(), type);
@@ -238,16 +258,15 @@ void WriteWithShapelib(benchmark::State& state, int type, int count, MakeObject 
 }
 
 KxShape LibraryPoint(int k) {
-  const double x = Coordinate(k, 0), y = Coordinate(k, 1), zero = 0;
+  const double zero = 0;
   KxShape shape = Shape_New();
   Shape_NewNode(shape, -1);
-  Shape_SetNode(shape, &x, &y, &zero, &zero);
+  Shape_SetNode(shape, &Table().x[k], &Table().y[k], &zero, &zero);
   return shape;
 }
 
 SHPObject* ShapelibPoint(int k) {
-  const double x = Coordinate(k, 0), y = Coordinate(k, 1);
-  return SHPCreateSimpleObject(SHPT_POINT, 1, &x, &y, nullptr);
+  return SHPCreateSimpleObject(SHPT_POINT, 1, &Table().x[k], &Table().y[k], nullptr);
 }
 
 void WriteMillionPoints_Library(benchmark::State& state) {
@@ -260,31 +279,20 @@ void WriteMillionPoints_Shapelib(benchmark::State& state) {
 }
 BENCHMARK(WriteMillionPoints_Shapelib)->Unit(benchmark::kMillisecond);
 
-// The nodes of polyline k, the same for both sides.
-struct Polyline {
-  double x[kPolylineNodes], y[kPolylineNodes];
-  explicit Polyline(int k) {
-    for (int n = 0; n < kPolylineNodes; ++n) {
-      x[n] = Coordinate(k * kPolylineNodes + n, 0);
-      y[n] = Coordinate(k * kPolylineNodes + n, 1);
-    }
-  }
-};
-
 KxShape LibraryPolyline(int k) {
-  const Polyline line(k);
   const double zero = 0;
   KxShape shape = Shape_New();
-  for (int n = 0; n < kPolylineNodes; ++n) {
+  for (int n = k * kPolylineNodes; n < (k + 1) * kPolylineNodes; ++n) {
     Shape_NewNode(shape, -1);
-    Shape_SetNode(shape, &line.x[n], &line.y[n], &zero, &zero);
+    Shape_SetNode(shape, &Table().x[n], &Table().y[n], &zero, &zero);
   }
   return shape;
 }
 
 SHPObject* ShapelibPolyline(int k) {
-  const Polyline line(k);
-  return SHPCreateSimpleObject(SHPT_ARC, kPolylineNodes, line.x, line.y, nullptr);
+  const int first = k * kPolylineNodes;
+  return SHPCreateSimpleObject(SHPT_ARC, kPolylineNodes, &Table().x[first], &Table().y[first],
+                               nullptr);
 }
 
 void WritePolylines_Library(benchmark::State& state) {
