@@ -16,11 +16,9 @@ namespace platform {
 
 namespace {
 
-int AccessFlags(DWORD access) {
-  const bool read = access & GENERIC_READ, write = access & GENERIC_WRITE;
-  if (read && write) return O_RDWR;
-  return write ? O_WRONLY : O_RDONLY;
-}
+// A writer's descriptor may read too, where the file allows it: that is what maps its
+// first page. The handle still refuses the reads it wasn't opened for.
+int AccessFlags(DWORD access) { return access & GENERIC_WRITE ? O_RDWR : O_RDONLY; }
 
 int OpenDescriptor(const std::string& path, int flags) {
   int descriptor;
@@ -74,26 +72,28 @@ ssize_t WriteAt(int descriptor, const void* data, size_t count, int64_t offset) 
   return put < 0 && errno == ESPIPE ? ::write(descriptor, data, count) : put;
 }
 
-bool IsDirectory(int descriptor) {
-  struct stat status;
-  return ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+int OpenWithAccess(const std::string& path, DWORD access, DWORD disposition) {
+  const int descriptor = OpenByDisposition(path, AccessFlags(access), disposition);
+  if (descriptor >= 0 || errno != EACCES || access & GENERIC_READ) return descriptor;
+  return OpenByDisposition(path, O_WRONLY, disposition);
 }
 
 }  // namespace
 
 FileObject* FileObject::Open(const std::string& path, DWORD access, DWORD disposition) {
   SetLastError(ERROR_SUCCESS);
-  const int descriptor = OpenByDisposition(path, AccessFlags(access), disposition);
+  const int descriptor = OpenWithAccess(path, access, disposition);
   if (descriptor < 0) {
     SetLastError(OpenError(path));
     return nullptr;
   }
-  if (IsDirectory(descriptor)) {
+  struct stat status;
+  if (::fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
     ::close(descriptor);
     SetLastError(ERROR_ACCESS_DENIED);
     return nullptr;
   }
-  auto* file = new (std::nothrow) FileObject(descriptor, access);
+  auto* file = new (std::nothrow) FileObject(descriptor, access, int64_t(status.st_size));
   if (!file) {
     ::close(descriptor);
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
@@ -137,6 +137,11 @@ BOOL FileObject::Write(const void* data, DWORD count, DWORD& done) {
     SetLastError(ERROR_ACCESS_DENIED);
     return FALSE;
   }
+  if (m_head.Rewrite(m_descriptor, m_position, data, count, m_size)) {
+    done = count;
+    m_position += count;
+    return TRUE;
+  }
   const auto* bytes = static_cast<const char*>(data);
   while (done < count) {
     const ssize_t put = WriteAt(m_descriptor, bytes + done, count - done, m_position);
@@ -146,6 +151,7 @@ BOOL FileObject::Write(const void* data, DWORD count, DWORD& done) {
     }
     done += DWORD(put);
     m_position += put;
+    if (m_position > m_size) m_size = m_position;
   }
   return TRUE;
 }
@@ -154,6 +160,7 @@ BOOL FileObject::Flush() { return ::fsync(m_descriptor) == 0 ? TRUE : FailFromEr
 
 BOOL FileObject::Close() {
   if (m_descriptor < 0) return TRUE;
+  m_head.Release();
   const int descriptor = m_descriptor;
   m_descriptor = -1;
   // After close, even a failed one, the descriptor is gone: no retry on EINTR.
@@ -166,12 +173,12 @@ BOOL FileObject::PositionFrom(int64_t distance, DWORD moveMethod, int64_t& posit
     base = m_position;
   } else if (moveMethod == FILE_END) {
     struct stat status;
-    base = ::fstat(m_descriptor, &status) == 0 ? status.st_size : -1;
+    if (::fstat(m_descriptor, &status) != 0) return FailFromErrno();
+    base = m_size = status.st_size;
   } else if (moveMethod != FILE_BEGIN) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
   }
-  if (base < 0) return FailFromErrno();
   position = base + distance;
   if (position >= 0) return TRUE;
   SetLastError(ERROR_NEGATIVE_SEEK);

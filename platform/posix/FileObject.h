@@ -1,12 +1,13 @@
 // An open file behind a handle: a file descriptor, the access it was opened for, and the
 // file pointer. The pointer belongs to the handle, as on the device, and is kept here
 // rather than in the descriptor: moving it costs no system call, and every transfer is
-// one positioned read or write.
+// one positioned read or write. Rewrites of bytes in the first page go through FileHead.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
+#include "platform/posix/FileHead.h"
 #include "platform/posix/StreamObject.h"
 
 namespace platform {
@@ -29,12 +30,17 @@ class FileObject : public StreamObject {
   void MoveTo(int64_t position);
 
  private:
-  FileObject(int descriptor, DWORD access) : m_descriptor(descriptor), m_access(access) {}
+  FileObject(int descriptor, DWORD access, int64_t size)
+      : m_descriptor(descriptor), m_access(access), m_size(size) {}
   ~FileObject() override;
 
   int m_descriptor;
   const DWORD m_access;
   int64_t m_position = 0;
+  // The size as this handle last saw it: at the open, after its writes, at a seek from
+  // the end.
+  int64_t m_size;
+  FileHead m_head;
 };
 
 }  // namespace platform

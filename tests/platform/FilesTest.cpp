@@ -86,6 +86,46 @@ TEST(Files, TransfersStartAtTheHandlesPointerAndMoveIt) {
   EXPECT_EQ(Contents(path), std::string("01234ab789\0\0z", 13));
 }
 
+// Rewrites inside the first page, as headers are rewritten after every record: other
+// handles and the writer's own reads see them at once; writes that reach beyond what the
+// file holds, or beyond the page, still make it grow.
+TEST(Files, RewritesOfTheFirstPageAreSeenAtOnceAndGrowthStillWorks) {
+  kxtest::TempDirectory directory;
+  const std::string path = directory / "data.bin";
+  HANDLE writer = Open(path, GENERIC_WRITE, CREATE_ALWAYS);
+  HANDLE both = Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
+  HANDLE reader = Open(path, GENERIC_READ, OPEN_EXISTING);
+  DWORD done = 0;
+  const std::string body(200, '.');
+  EXPECT_TRUE(WriteFile(writer, body.data(), 200, &done, nullptr));
+  for (const char* head : {"HEAD", "head", "Head"}) {
+    SetFilePointer(writer, 0, nullptr, FILE_BEGIN);
+    EXPECT_TRUE(WriteFile(writer, head, 4, &done, nullptr));
+    EXPECT_EQ(done, 4u);
+    char bytes[4] = {};
+    SetFilePointer(reader, 0, nullptr, FILE_BEGIN);
+    EXPECT_TRUE(ReadFile(reader, bytes, 4, &done, nullptr));
+    EXPECT_EQ(std::string(bytes, done), head);
+  }
+  EXPECT_EQ(SetFilePointer(writer, 0, nullptr, FILE_CURRENT), 4u);
+  SetFilePointer(writer, 198, nullptr, FILE_BEGIN);
+  EXPECT_TRUE(WriteFile(writer, "xyz", 3, &done, nullptr));  // two bytes more than there were
+  SetFilePointer(writer, 4094, nullptr, FILE_BEGIN);
+  EXPECT_TRUE(WriteFile(writer, "page", 4, &done, nullptr));  // across the end of the page
+  SetFilePointer(both, 4, nullptr, FILE_BEGIN);
+  EXPECT_TRUE(WriteFile(both, "-", 1, &done, nullptr));
+  char bytes[6] = {};
+  SetFilePointer(both, 0, nullptr, FILE_BEGIN);
+  EXPECT_TRUE(ReadFile(both, bytes, 6, &done, nullptr));
+  EXPECT_EQ(std::string(bytes, done), "Head-.");
+  for (HANDLE file : {writer, both, reader}) CloseHandle(file);
+  const std::string contents = Contents(path);
+  ASSERT_EQ(contents.size(), 4098u);
+  EXPECT_EQ(contents.substr(0, 6), "Head-.");
+  EXPECT_EQ(contents.substr(196, 6), std::string("..xyz\0", 6));
+  EXPECT_EQ(contents.substr(4094), "page");
+}
+
 TEST(Files, DispositionsAndTheirErrorsAsOnTheDevice) {
   kxtest::TempDirectory directory;
   const std::string path = directory / "file.txt";
