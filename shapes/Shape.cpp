@@ -312,23 +312,27 @@ void Shape::Widen(Dimension d, double value) {
   Extend(m_bounds[2 * d], m_bounds[2 * d + 1], value);
 }
 
-// On a copy of the bounds, which the records can't alias, so that they stay in registers.
-void Shape::WidenOver(const NodeRecord* records, int32_t count) {
+// On a copy of the bounds, which the records can't alias, so that it stays in registers.
+void Shape::ExtendOver(double bounds[kBoundCount], const uint8_t* records, int32_t count,
+                       bool first) {
+  if (count <= 0) return;
   double b[kBoundCount];
-  std::copy(m_bounds, m_bounds + kBoundCount, b);
-  if (m_totalNodeCount == 0) {
-    b[kMinX] = b[kMaxX] = records[0].x;
-    b[kMinY] = b[kMaxY] = records[0].y;
-    b[kMinZ] = b[kMaxZ] = records[0].z;
-    b[kMinM] = b[kMaxM] = records[0].m;
+  std::copy(bounds, bounds + kBoundCount, b);
+  if (first) {
+    const NodeRecord r = RecordAt(records, 0);
+    b[kMinX] = b[kMaxX] = r.x;
+    b[kMinY] = b[kMaxY] = r.y;
+    b[kMinZ] = b[kMaxZ] = r.z;
+    b[kMinM] = b[kMaxM] = r.m;
   }
   for (int32_t k = 0; k < count; ++k) {
-    Extend(b[kMinX], b[kMaxX], records[k].x);
-    Extend(b[kMinY], b[kMaxY], records[k].y);
-    Extend(b[kMinZ], b[kMaxZ], records[k].z);
-    Extend(b[kMinM], b[kMaxM], records[k].m);
+    const NodeRecord r = RecordAt(records, k);
+    Extend(b[kMinX], b[kMaxX], r.x);
+    Extend(b[kMinY], b[kMaxY], r.y);
+    Extend(b[kMinZ], b[kMaxZ], r.z);
+    Extend(b[kMinM], b[kMaxM], r.m);
   }
-  std::copy(b, b + kBoundCount, m_bounds);
+  std::copy(b, b + kBoundCount, bounds);
 }
 
 void Shape::ZeroBounds() {

@@ -158,8 +158,9 @@ class Shape : public BaseObject {
   bool Track(Dimension d, double value);
   void TakeFirstValue(Dimension d, double value);
   void Widen(Dimension d, double value);
-  // The bounds take in a run of new nodes; the shape's first node sets them.
-  void WidenOver(const NodeRecord* records, int32_t count);
+  // Bounds widened by a run of records; with `first`, its first record sets them.
+  static void ExtendOver(double bounds[kBoundCount], const uint8_t* records, int32_t count,
+                         bool first);
   void ZeroBounds();
   bool TouchesBounds(int32_t part) const;
   void ScanBounds(int32_t firstPart, int32_t lastPart, double bounds[kBoundCount]) const;

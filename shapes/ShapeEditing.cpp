@@ -94,7 +94,7 @@ void Shape::AppendNodes(NodeRecord* records, int32_t count) {
   const int32_t placed = StoreRun(records, count);
   RefreshPartNodeCount();
   if (placed > 0) {
-    WidenOver(records, placed);
+    ExtendOver(m_bounds, reinterpret_cast<const uint8_t*>(records), placed, m_totalNodeCount == 0);
     const NodeRecord& last = records[placed - 1];
     m_value[kX] = last.x;
     m_value[kY] = last.y;
@@ -509,15 +509,8 @@ void Shape::ScanBounds(int32_t firstPart, int32_t lastPart, double bounds[kBound
   for (int b = 0; b < kBoundCount; ++b) bounds[b] = 0;
   for (int32_t part = firstPart; part <= lastPart; ++part) {
     VisitRuns(part, [&](const uint8_t* records, int32_t count) {
-      for (int32_t k = 0; k < count; ++k) {
-        const NodeRecord r = RecordAt(records, k);
-        const double values[4] = {r.x, r.y, r.z, r.m};
-        for (int d = 0; d < 4; ++d) {
-          if (first || values[d] < bounds[2 * d]) bounds[2 * d] = values[d];
-          if (first || values[d] > bounds[2 * d + 1]) bounds[2 * d + 1] = values[d];
-        }
-        first = false;
-      }
+      ExtendOver(bounds, records, count, first);
+      first = first && count == 0;
     });
   }
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 #include <new>
 
 #include "frame/ErrorNumbers.h"
@@ -24,7 +23,7 @@ constexpr int64_t kLargestFile = std::numeric_limits<int32_t>::max();
 
 // Shape-file modes to the File modes: read, create, update.
 int16_t FileModeOf(int32_t mode) {
-  return mode == ShapeFile::kRead ? File::kRead
+  return mode == ShapeFile::kRead     ? File::kRead
          : mode == ShapeFile::kCreate ? File::kCreate
                                       : File::kUpdate;
 }
@@ -177,6 +176,7 @@ void ShapeFile::Close() {
   m_recordNumber = m_recordLength = m_recordsWritten = m_readPosition = 0;
   m_geometryWritten = false;
   m_scratch = std::vector<NodeRecord>();
+  m_record = std::vector<uint8_t>();
 }
 
 // A new file is a valid file without records from the start: both headers go out now,
@@ -236,17 +236,23 @@ bool ShapeFile::ReadRecordInto(Shape& shape) {
     SetError(kErrFileIO, kFileFailed);
     return false;
   }
-  std::unique_ptr<uint8_t[]> content(new (std::nothrow) uint8_t[size_t(bytes)]);
-  if (!content) {
-    SetError(kErrOutOfMemory, kAllocationFailed);
-    return false;
-  }
-  if (!ReadExactly(*m_main, content.get(), int32_t(bytes))) return false;
+  uint8_t* content = RecordBuffer(bytes);
+  if (!content || !ReadExactly(*m_main, content, int32_t(bytes))) return false;
   shape.SetShapeID(m_recordNumber);
   const ShapeRecordDecoder::Settings settings{m_type, ShapeFileKind::Of(m_type), m_readOnly,
                                               m_mArraysPresent};
-  return ShapeRecordDecoder(content.get(), int32_t(bytes), settings, m_scratch)
+  return ShapeRecordDecoder(content, int32_t(bytes), settings, m_scratch)
       .DecodeInto(shape, Error());
+}
+
+uint8_t* ShapeFile::RecordBuffer(int64_t bytes) {
+  try {
+    if (m_record.size() < size_t(bytes)) m_record.resize(size_t(bytes));
+    return m_record.data();
+  } catch (const std::bad_alloc&) {
+    SetError(kErrOutOfMemory, kAllocationFailed);
+    return nullptr;
+  }
 }
 
 // A read that comes short of the count is a failure: the file ends inside what its
@@ -302,15 +308,12 @@ void ShapeFile::Write(Shape* shape) {
     SetError(kErrFileIO, kFileFailed);
     return;
   }
-  std::unique_ptr<uint8_t[]> record(new (std::nothrow) uint8_t[size_t(recordBytes)]);
-  if (!record) {
-    SetError(kErrOutOfMemory, kAllocationFailed);
-    return;
-  }
+  uint8_t* record = RecordBuffer(recordBytes);
+  if (!record) return;
   m_recordNumber = shape->GetShapeID();
   m_recordLength = int32_t(recordBytes - shp::kRecordHeaderBytes);
-  encoder.Write(m_recordNumber, record.get());
-  if (!WriteAt(*m_main, place, record.get(), int32_t(recordBytes))) return;
+  encoder.Write(m_recordNumber, record);
+  if (!WriteAt(*m_main, place, record, int32_t(recordBytes))) return;
   const int32_t end = place + int32_t(recordBytes);
   m_mainSize = std::max(m_mainSize, end);
   if (kind.family != ShapeFileKind::kNull && nodes > 0) TakeBounds(*shape);
@@ -330,7 +333,8 @@ void ShapeFile::Write(Shape* shape) {
 }
 
 bool ShapeFile::WriteAt(File& file, int32_t offset, const void* data, int32_t count) {
-  if (file.Seek(offset, File::kFromStart) < 0 || file.Write(data, uint32_t(count)) != uint32_t(count)) {
+  if (file.Seek(offset, File::kFromStart) < 0 ||
+      file.Write(data, uint32_t(count)) != uint32_t(count)) {
     Error().m_copy_err(&file.Error());
     return false;
   }

@@ -59,6 +59,8 @@ class ShapeFile : public BaseObject {
   bool MeasureMain();
 
   bool ReadRecordInto(Shape& shape);
+  // Room for one record, header and content; null with 10012 when memory can't be had.
+  uint8_t* RecordBuffer(int64_t bytes);
   bool ReadExactly(File& file, void* buffer, int32_t count);
 
   bool WriteAt(File& file, int32_t offset, const void* data, int32_t count);
@@ -94,6 +96,9 @@ class ShapeFile : public BaseObject {
   int32_t m_mainSize = 0;
   // The nodes of one part on their way from a record into a Shape.
   std::vector<NodeRecord> m_scratch;
+  // The record at hand. It serves the next one too, so that a file costs one allocation
+  // for its largest record rather than one for every record.
+  std::vector<uint8_t> m_record;
 };
 
 }  // namespace kx

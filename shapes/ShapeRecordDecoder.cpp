@@ -40,9 +40,12 @@ bool ShapeRecordDecoder::DecodeInto(Shape& shape, ErrorRecord& error) {
     return false;
   }
   switch (family) {
-    case ShapeFileKind::kPoint: return DecodePoint(shape, error);
-    case ShapeFileKind::kPoly: return DecodePoly(shape, error);
-    default: return DecodeMultiPoint(shape, error);
+    case ShapeFileKind::kPoint:
+      return DecodePoint(shape, error);
+    case ShapeFileKind::kPoly:
+      return DecodePoly(shape, error);
+    default:
+      return DecodeMultiPoint(shape, error);
   }
 }
 
@@ -72,14 +75,13 @@ bool ShapeRecordDecoder::DecodePoly(Shape& shape, ErrorRecord& error) {
   const int64_t xyOffset = shp::kPolyHead + 4 * int64_t(parts);
   if (nodes < 0 || !Holds(xyOffset)) return BeyondRecord(error);
   Arrays arrays;
-  std::vector<int32_t> starts;
-  if (!LocateArrays(xyOffset, nodes, arrays, error) || !ReadStarts(parts, nodes, starts, error))
+  if (!LocateArrays(xyOffset, nodes, arrays, error) || !CheckStarts(parts, nodes, error))
     return false;
   if (m_settings.fixedSize) shape.FixedPartCount(parts);
   if (!Taken(shape, error)) return false;
   for (int32_t part = 0; part < parts; ++part) {
-    const int32_t first = starts[size_t(part)];
-    const int32_t end = part + 1 < parts ? starts[size_t(part) + 1] : nodes;
+    const int32_t first = StartOf(part);
+    const int32_t end = part + 1 < parts ? StartOf(part + 1) : nodes;
     // A fixed part can't be sized 0: an empty part keeps its empty slot.
     if (m_settings.fixedSize && end > first)
       shape.FixedNodeCount(part, end - first);
@@ -123,22 +125,21 @@ bool ShapeRecordDecoder::LocateArrays(int64_t xyOffset, int32_t nodes, Arrays& a
 }
 
 // Each part starts inside the nodes and no earlier than the part before it.
-bool ShapeRecordDecoder::ReadStarts(int32_t parts, int32_t nodes, std::vector<int32_t>& starts,
-                                    ErrorRecord& error) const {
-  starts.resize(size_t(parts));
+bool ShapeRecordDecoder::CheckStarts(int32_t parts, int32_t nodes, ErrorRecord& error) const {
   int32_t previous = 0;
   for (int32_t part = 0; part < parts; ++part) {
-    const int32_t start = shp::LittleInt32(m_content + shp::kPolyHead + 4 * part);
+    const int32_t start = StartOf(part);
     if (start < previous || start > nodes) return BeyondRecord(error);
-    starts[size_t(part)] = previous = start;
+    previous = start;
   }
   return true;
 }
 
-bool ShapeRecordDecoder::AppendRun(Shape& shape, const Arrays& arrays, int32_t first,
-                                   int32_t end, ErrorRecord& error) {
+bool ShapeRecordDecoder::AppendRun(Shape& shape, const Arrays& arrays, int32_t first, int32_t end,
+                                   ErrorRecord& error) {
   if (end <= first) return true;
-  m_scratch.resize(size_t(end - first));
+  // Grown, never shrunk: a smaller part reuses the front without clearing it again.
+  if (m_scratch.size() < size_t(end - first)) m_scratch.resize(size_t(end - first));
   for (int32_t k = first; k < end; ++k) {
     NodeRecord& node = m_scratch[size_t(k - first)];
     node.x = shp::LittleDouble(arrays.xy + 16 * size_t(k));

@@ -46,8 +46,11 @@ class ShapeRecordDecoder {
   bool DecodeMultiPoint(Shape& shape, ErrorRecord& error);
   // The arrays behind the points of `nodes` nodes that start at `xyOffset`.
   bool LocateArrays(int64_t xyOffset, int32_t nodes, Arrays& arrays, ErrorRecord& error) const;
-  bool ReadStarts(int32_t parts, int32_t nodes, std::vector<int32_t>& starts,
-                  ErrorRecord& error) const;
+  bool CheckStarts(int32_t parts, int32_t nodes, ErrorRecord& error) const;
+  // The index of the part's first node, from the record.
+  int32_t StartOf(int32_t part) const {
+    return shp::LittleInt32(m_content + shp::kPolyHead + 4 * part);
+  }
   // Nodes first to end into the active part of the shape.
   bool AppendRun(Shape& shape, const Arrays& arrays, int32_t first, int32_t end,
                  ErrorRecord& error);
