@@ -53,8 +53,10 @@ class BaseObject {
     ClearError();
     field = value;
   }
-  // Takes over the failure of a member object; a null member is itself a failure.
+  // Takes over the failure of a member object; a null member is itself a failure. Two
+  // clean records, the common case on every node of a shape, need no copy.
   int16_t CopyError(const BaseObject* member) {
+    if (member && !member->m_error.Failed() && !m_error.Failed()) return 0;
     return m_error.m_copy_err(member ? &member->m_error : nullptr);
   }
 
