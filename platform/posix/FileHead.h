@@ -3,9 +3,10 @@
 // a system call. The page cache is the same for the mapping and for reads and writes, so
 // readers see such a rewrite at once and it reaches the disk as any write does; a crash
 // of the process keeps it like a finished write. What a mapping can't survive is a file
-// emptied under it by another opener (CREATE_ALWAYS, which the device refuses for a file
-// in use) before that opener writes again: the rewrite then faults where a write would
-// have grown the file.
+// emptied under it before the emptier writes again: the rewrite would fault where a write
+// would have grown the file. Handles of this library empty a file only while no other
+// handle has it open (see the sharing in FileObject.cpp); a program that truncates
+// without taking locks is not held back.
 #pragma once
 
 #include <cstddef>

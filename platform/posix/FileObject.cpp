@@ -1,9 +1,10 @@
 // Files on file descriptors, with the Windows rules where POSIX has others: dispositions
-// instead of open flags, directories refused, access checked by the handle. Sharing modes
-// are not enforced: POSIX has no mandatory locks to build them on.
+// instead of open flags, directories refused, access checked by the handle, and sharing
+// on advisory locks (below).
 #include "platform/posix/FileObject.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,7 +42,8 @@ DWORD OpenError(const std::string& path) {
 }
 
 // Opens by the disposition. CREATE_ALWAYS and OPEN_ALWAYS tell by ERROR_ALREADY_EXISTS
-// that the file was there, so they try the exclusive creation first.
+// that the file was there, so they try the exclusive creation first. A file that
+// CREATE_ALWAYS finds is emptied later, once the handle has it to itself.
 int OpenByDisposition(const std::string& path, int flags, DWORD disposition) {
   switch (disposition) {
     case OPEN_EXISTING:
@@ -53,7 +55,7 @@ int OpenByDisposition(const std::string& path, int flags, DWORD disposition) {
       const int descriptor = OpenDescriptor(path, flags | O_CREAT | O_EXCL);
       if (descriptor >= 0 || errno != EEXIST) return descriptor;
       SetLastError(ERROR_ALREADY_EXISTS);
-      return OpenDescriptor(path, flags | (disposition == CREATE_ALWAYS ? O_TRUNC : 0));
+      return OpenDescriptor(path, flags);
     }
     default:
       errno = EINVAL;
@@ -72,6 +74,27 @@ ssize_t WriteAt(int descriptor, const void* data, size_t count, int64_t offset) 
   return put < 0 && errno == ESPIPE ? ::write(descriptor, data, count) : put;
 }
 
+// Sharing, on the advisory locks that every handle of this library takes: an open file
+// holds a shared lock, a handle that shares nothing an exclusive one, and emptying a file
+// that CREATE_ALWAYS found needs it alone for that moment, so that nobody's view of the
+// file (a mapped header, above all) loses its bytes under it. A handle that can't have its
+// lock fails with ERROR_SHARING_VIOLATION, as on the device. Programs that take no locks
+// aren't held back, and a file system without locks shares everything.
+bool Lock(int descriptor, int operation) {
+  int result;
+  do {
+    result = ::flock(descriptor, operation | LOCK_NB);
+  } while (result != 0 && errno == EINTR);
+  return result == 0 || errno != EWOULDBLOCK;
+}
+
+bool TakeShare(int descriptor, DWORD shareMode, bool emptying) {
+  const bool alone = shareMode == 0 || emptying;
+  if (!Lock(descriptor, alone ? LOCK_EX : LOCK_SH)) return false;
+  if (emptying && ::ftruncate(descriptor, 0) != 0) return false;
+  return !(alone && shareMode != 0) || Lock(descriptor, LOCK_SH);
+}
+
 int OpenWithAccess(const std::string& path, DWORD access, DWORD disposition) {
   const int descriptor = OpenByDisposition(path, AccessFlags(access), disposition);
   if (descriptor >= 0 || errno != EACCES || access & GENERIC_READ) return descriptor;
@@ -80,11 +103,20 @@ int OpenWithAccess(const std::string& path, DWORD access, DWORD disposition) {
 
 }  // namespace
 
-FileObject* FileObject::Open(const std::string& path, DWORD access, DWORD disposition) {
+FileObject* FileObject::Open(const std::string& path, DWORD access, DWORD shareMode,
+                             DWORD disposition) {
   SetLastError(ERROR_SUCCESS);
   const int descriptor = OpenWithAccess(path, access, disposition);
   if (descriptor < 0) {
     SetLastError(OpenError(path));
+    return nullptr;
+  }
+  const DWORD found = GetLastError();  // ERROR_ALREADY_EXISTS stays the caller's news
+  const bool emptying = disposition == CREATE_ALWAYS && found == ERROR_ALREADY_EXISTS;
+  if (!TakeShare(descriptor, shareMode, emptying)) {
+    const int error = errno;
+    ::close(descriptor);
+    SetLastError(error == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : ErrorFromErrno(error));
     return nullptr;
   }
   struct stat status;

@@ -16,7 +16,8 @@ class FileObject : public StreamObject {
  public:
   // The file at a POSIX path, with CreateFileW's access and disposition; null with the
   // last error set when it can't be opened.
-  static FileObject* Open(const std::string& path, DWORD access, DWORD disposition);
+  static FileObject* Open(const std::string& path, DWORD access, DWORD shareMode,
+                          DWORD disposition);
   // Null, with ERROR_INVALID_HANDLE, for a handle that isn't an open file.
   static FileObject* FromHandle(HANDLE handle);
 

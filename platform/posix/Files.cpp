@@ -47,7 +47,7 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode, SECURITY_ATTRIBU
   }
   if (platform::IsSerialDeviceName(name))
     return platform::OpenSerialDevice(name, access, shareMode, disposition);
-  FileObject* file = FileObject::Open(PathOf(name), access, disposition);
+  FileObject* file = FileObject::Open(PathOf(name), access, shareMode, disposition);
   return file ? file->AsHandle() : INVALID_HANDLE_VALUE;
 }
 

@@ -14,8 +14,10 @@ namespace {
 
 std::u16string Wide(const std::string& text) { return std::u16string(text.begin(), text.end()); }
 
-HANDLE Open(const std::string& path, DWORD access, DWORD disposition) {
-  return CreateFileW(Wide(path).c_str(), access, 0, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
+HANDLE Open(const std::string& path, DWORD access, DWORD disposition, DWORD share = kShareAll) {
+  return CreateFileW(Wide(path).c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
                      nullptr);
 }
 
@@ -153,6 +155,34 @@ TEST(Files, DispositionsAndTheirErrorsAsOnTheDevice) {
   EXPECT_EQ(Contents(path), "");
   EXPECT_EQ(Open(path, GENERIC_WRITE, 9), INVALID_HANDLE_VALUE);
   EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+}
+
+// Handles that share coexist; one that shares nothing is alone with the file; and a file
+// is emptied only by a handle that has it to itself, so nobody loses bytes under a handle.
+TEST(Files, SharingAsOnTheDevice) {
+  kxtest::TempDirectory directory;
+  const std::string path = directory / "shared.bin";
+  Put(path, "bytes");
+  HANDLE reader = Open(path, GENERIC_READ, OPEN_EXISTING, FILE_SHARE_READ);
+  HANDLE other = Open(path, GENERIC_READ, OPEN_EXISTING, FILE_SHARE_READ);
+  HANDLE updater = Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+  for (HANDLE file : {reader, other, updater}) EXPECT_NE(file, INVALID_HANDLE_VALUE);
+  EXPECT_EQ(Open(path, GENERIC_WRITE, CREATE_ALWAYS, 0), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+  EXPECT_EQ(Open(path, GENERIC_WRITE, CREATE_ALWAYS), INVALID_HANDLE_VALUE);  // empties it
+  EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+  EXPECT_EQ(Contents(path), "bytes");
+  for (HANDLE file : {reader, other, updater}) CloseHandle(file);
+  HANDLE alone = Open(path, GENERIC_WRITE, CREATE_ALWAYS, 0);
+  ASSERT_NE(alone, INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+  EXPECT_EQ(Contents(path), "");
+  EXPECT_EQ(Open(path, GENERIC_READ, OPEN_EXISTING, FILE_SHARE_READ), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+  CloseHandle(alone);
+  HANDLE again = Open(path, GENERIC_READ, OPEN_EXISTING, FILE_SHARE_READ);
+  EXPECT_NE(again, INVALID_HANDLE_VALUE);
+  CloseHandle(again);
 }
 
 TEST(Files, TheHandleDecidesWhatMayBeDone) {
