@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "KestrixCE.h"
+#include "RatioReporter.h"
 #include "coords/DatumTable.h"
 #include "coords/GridCatalogue.h"
 #include "coords/TransverseMercator.h"
@@ -109,39 +110,16 @@ BENCHMARK(BareSeries);
 
 }  // namespace
 
-namespace {
-
-// Prints the runs as usual and keeps each one's rate, for the ratios at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      const auto found = run.counters.find("items_per_second");
-      if (found != run.counters.end()) rates[run.benchmark_name()] = found->second;
-    }
-  }
-  std::map<std::string, double> rates;
-};
-
-void PrintRatio(const RatioReporter& reporter, const char* what, const std::string& ours,
-                const std::string& theirs) {
-  const auto a = reporter.rates.find(ours), b = reporter.rates.find(theirs);
-  if (a == reporter.rates.end() || b == reporter.rates.end()) return;
-  std::printf("%-34s %6.2f M/s against %6.2f M/s: %.2fx\n", what, a->second / 1e6, b->second / 1e6,
-              a->second / b->second);
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
+  kxbench::RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  PrintRatio(reporter, "UTM, Position / PROJ", "ThroughPosition/Utm_NoShift",
-             "ThroughProj/Utm_NoShift");
-  PrintRatio(reporter, "ED50 UTM, Position / PROJ", "ThroughPosition/Ed50Utm_Shift",
-             "ThroughProj/Ed50Utm_Shift");
-  PrintRatio(reporter, "UTM, Position / bare series", "ThroughPosition/Utm_NoShift", "BareSeries");
+  reporter.PrintRatio("UTM, Position / PROJ", "ThroughPosition/Utm_NoShift",
+                      "ThroughProj/Utm_NoShift", kxbench::RatioReporter::Unit::kMillionsPerSecond);
+  reporter.PrintRatio("ED50 UTM, Position / PROJ", "ThroughPosition/Ed50Utm_Shift",
+                      "ThroughProj/Ed50Utm_Shift",
+                      kxbench::RatioReporter::Unit::kMillionsPerSecond);
+  reporter.PrintRatio("UTM, Position / bare series", "ThroughPosition/Utm_NoShift", "BareSeries",
+                      kxbench::RatioReporter::Unit::kMillionsPerSecond);
   return 0;
 }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "KestrixCE.h"
+#include "RatioReporter.h"
 
 namespace {
 
@@ -185,7 +186,8 @@ BENCHMARK(InsideWithoutCache_Library);
 
 std::vector<GEOSGeometry*> GeosPoints(Geos& geos) {
   std::vector<GEOSGeometry*> points;
-  for (const XY& q : Queries()) points.push_back(GEOSGeom_createPointFromXY_r(geos.context, q.x, q.y));
+  for (const XY& q : Queries())
+    points.push_back(GEOSGeom_createPointFromXY_r(geos.context, q.x, q.y));
   return points;
 }
 
@@ -240,41 +242,21 @@ void Length_Geos(benchmark::State& state) {
 }
 BENCHMARK(Length_Geos)->Unit(benchmark::kMicrosecond);
 
-// ---- the ratios -------------------------------------------------------------------
-
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      const auto found = run.counters.find("items_per_second");
-      if (found != run.counters.end()) rates[run.benchmark_name()] = found->second;
-    }
-  }
-  std::map<std::string, double> rates;
-};
-
-void PrintRatio(const RatioReporter& reporter, const char* what, const std::string& ours,
-                const std::string& theirs) {
-  const auto a = reporter.rates.find(ours), b = reporter.rates.find(theirs);
-  if (a == reporter.rates.end() || b == reporter.rates.end()) return;
-  std::printf("%-44s %10.3f us against %10.3f us: %.2fx\n", what, 1e6 / a->second,
-              1e6 / b->second, a->second / b->second);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
+  kxbench::RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  PrintRatio(reporter, "area of the ring / GEOSArea", "PartArea_Library", "Area_Geos");
-  PrintRatio(reporter, "area after a change / GEOSisValid + GEOSArea",
-             "AreaAfterAChange_Library", "ValidityAndArea_Geos");
-  PrintRatio(reporter, "inside, cached index / GEOS prepared", "Inside_Library",
-             "Inside_GeosPrepared");
-  PrintRatio(reporter, "inside, index rebuilt / GEOS unprepared", "InsideWithoutCache_Library",
-             "Inside_GeosUnprepared");
-  PrintRatio(reporter, "length / GEOSLength", "Length_Library", "Length_Geos");
+  reporter.PrintRatio("area of the ring / GEOSArea", "PartArea_Library", "Area_Geos",
+                      kxbench::RatioReporter::Unit::kMicrosecondsEach);
+  reporter.PrintRatio("area after a change / GEOSisValid + GEOSArea", "AreaAfterAChange_Library",
+                      "ValidityAndArea_Geos", kxbench::RatioReporter::Unit::kMicrosecondsEach);
+  reporter.PrintRatio("inside, cached index / GEOS prepared", "Inside_Library",
+                      "Inside_GeosPrepared", kxbench::RatioReporter::Unit::kMicrosecondsEach);
+  reporter.PrintRatio("inside, index rebuilt / GEOS unprepared", "InsideWithoutCache_Library",
+                      "Inside_GeosUnprepared", kxbench::RatioReporter::Unit::kMicrosecondsEach);
+  reporter.PrintRatio("length / GEOSLength", "Length_Library", "Length_Geos",
+                      kxbench::RatioReporter::Unit::kMicrosecondsEach);
   return 0;
 }

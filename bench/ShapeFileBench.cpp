@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "KestrixCE.h"
+#include "RatioReporter.h"
 
 namespace {
 
@@ -330,29 +331,6 @@ void WritePreparedPolylines_Shapelib(benchmark::State& state) {
 }
 BENCHMARK(WritePreparedPolylines_Shapelib)->Unit(benchmark::kMillisecond);
 
-// ---- the ratios -------------------------------------------------------------------
-
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      const auto found = run.counters.find("items_per_second");
-      if (found != run.counters.end() && !run.error_occurred)
-        rates[run.benchmark_name()] = found->second;
-    }
-  }
-  std::map<std::string, double> rates;
-};
-
-void PrintRatio(const RatioReporter& reporter, const char* what, const std::string& ours,
-                const std::string& theirs) {
-  const auto a = reporter.rates.find(ours), b = reporter.rates.find(theirs);
-  if (a == reporter.rates.end() || b == reporter.rates.end()) return;
-  std::printf("%-46s %10.4g/s against %10.4g/s: %.2fx\n", what, a->second, b->second,
-              a->second / b->second);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -364,20 +342,20 @@ int main(int argc, char** argv) {
   std::printf("polygons: %s, %d shapes, %lld nodes\npoints: %s, %d shapes\n",
               Polygons().name.c_str(), Polygons().shapes, (long long)Polygons().vertices,
               Points().name.c_str(), Points().shapes);
-  RatioReporter reporter;
+  kxbench::RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  PrintRatio(reporter, "read polygons, fixed-size / shapelib", "ReadPolygons_Library",
-             "ReadPolygons_Shapelib");
-  PrintRatio(reporter, "read polygons, dynamic / shapelib", "ReadPolygonsDynamic_Library",
-             "ReadPolygons_Shapelib");
-  PrintRatio(reporter, "read points / shapelib", "ReadPoints_Library", "ReadPoints_Shapelib");
-  PrintRatio(reporter, "read a million points / shapelib", "ReadMillionPoints_Library",
-             "ReadMillionPoints_Shapelib");
-  PrintRatio(reporter, "write a million points / shapelib", "WriteMillionPoints_Library",
-             "WriteMillionPoints_Shapelib");
-  PrintRatio(reporter, "write 10,000 polylines of 100 / shapelib", "WritePolylines_Library",
-             "WritePolylines_Shapelib");
-  PrintRatio(reporter, "  the same, objects made before / shapelib",
-             "WritePreparedPolylines_Library", "WritePreparedPolylines_Shapelib");
+  reporter.PrintRatio("read polygons, fixed-size / shapelib", "ReadPolygons_Library",
+                      "ReadPolygons_Shapelib");
+  reporter.PrintRatio("read polygons, dynamic / shapelib", "ReadPolygonsDynamic_Library",
+                      "ReadPolygons_Shapelib");
+  reporter.PrintRatio("read points / shapelib", "ReadPoints_Library", "ReadPoints_Shapelib");
+  reporter.PrintRatio("read a million points / shapelib", "ReadMillionPoints_Library",
+                      "ReadMillionPoints_Shapelib");
+  reporter.PrintRatio("write a million points / shapelib", "WriteMillionPoints_Library",
+                      "WriteMillionPoints_Shapelib");
+  reporter.PrintRatio("write 10,000 polylines of 100 / shapelib", "WritePolylines_Library",
+                      "WritePolylines_Shapelib");
+  reporter.PrintRatio("  the same, objects made before / shapelib",
+                      "WritePreparedPolylines_Library", "WritePreparedPolylines_Shapelib");
   return 0;
 }
