@@ -167,6 +167,8 @@ class Shape : public BaseObject {
 
   // editing
   bool RefuseFixedSize();
+  bool StartEdit();
+  bool StartNodeSearch();
   bool InsertNode(int32_t index, const NodeRecord& record, int32_t& placed);
   int32_t StoreRun(const NodeRecord* records, int32_t count);
   void ClearActivePart();

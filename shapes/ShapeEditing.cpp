@@ -18,6 +18,17 @@ bool Shape::RefuseFixedSize() {
   return true;
 }
 
+// The start of an edit of parts: a fixed-size shape refuses it, and a shape whose storage
+// is made only now has nothing to edit yet (its one empty part is all a new part would
+// be). Whether the edit goes on.
+bool Shape::StartEdit() {
+  ClearError();
+  if (RefuseFixedSize()) return false;
+  if (m_storageReady) return true;
+  EnsureStorage();
+  return false;
+}
+
 // ---- new nodes --------------------------------------------------------------------
 
 // Into the active part: at `index` (-1 appends) of a store, or into the next free slot
@@ -127,12 +138,7 @@ int32_t Shape::StoreRun(const NodeRecord* records, int32_t count) {
 
 void Shape::NewPart(int32_t index) {
   LockScope lock;
-  ClearError();
-  if (RefuseFixedSize()) return;
-  if (!m_storageReady) {
-    EnsureStorage();  // its first part is the new one
-    return;
-  }
+  if (!StartEdit()) return;
   if (m_totalNodeCount == 0 && !m_parts.empty()) return;  // the empty part serves
   Commit();
   const int32_t parts = int32_t(m_parts.size());
@@ -286,12 +292,7 @@ void Shape::ClearPart() {
 
 void Shape::DeletePart() {
   LockScope lock;
-  ClearError();
-  if (RefuseFixedSize()) return;
-  if (!m_storageReady) {
-    EnsureStorage();
-    return;
-  }
+  if (!StartEdit()) return;
   if (m_parts.size() <= 1) {
     if (!m_parts.empty()) {
       m_parts[0]->Clear();
@@ -316,12 +317,7 @@ void Shape::DeletePart() {
 
 void Shape::ClearShape() {
   LockScope lock;
-  ClearError();
-  if (RefuseFixedSize()) return;
-  if (!m_storageReady) {
-    EnsureStorage();
-    return;
-  }
+  if (!StartEdit()) return;
   while (m_parts.size() > 1) {
     m_parts[0]->Clear();
     ReleaseObject(m_parts[0]);

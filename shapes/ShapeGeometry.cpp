@@ -175,15 +175,21 @@ double Shape::Distance(int32_t first, int32_t last) {
 
 // ---- nearest node and edge --------------------------------------------------------
 
-double Shape::FindClosestNode(double x, double y) {
-  LockScope lock;
+// The start of a search among the nodes: a shape without any fails it.
+bool Shape::StartNodeSearch() {
   ClearError();
   EnsureStorage();
   if (m_totalNodeCount == 0) {
     SetError(kErrInvalidState, kNoNodes);
-    return 0;
+    return false;
   }
   Commit();
+  return true;
+}
+
+double Shape::FindClosestNode(double x, double y) {
+  LockScope lock;
+  if (!StartNodeSearch()) return 0;
   double best = 0;
   int32_t bestPart = -1, bestNode = 0;
   for (int32_t part = 0; part < StoredPartCount(); ++part) {
@@ -207,13 +213,7 @@ double Shape::FindClosestNode(double x, double y) {
 
 double Shape::FindClosestVector(double x, double y) {
   LockScope lock;
-  ClearError();
-  EnsureStorage();
-  if (m_totalNodeCount == 0) {
-    SetError(kErrInvalidState, kNoNodes);
-    return 0;
-  }
-  Commit();
+  if (!StartNodeSearch()) return 0;
   const XY P{x, y};
   double best = 0;
   int32_t bestPart = -1, bestNode = 0;
@@ -265,12 +265,7 @@ bool Shape::ReverseActivePart() {
 
 void Shape::InvertPart() {
   LockScope lock;
-  ClearError();
-  if (RefuseFixedSize()) return;
-  if (!m_storageReady) {
-    EnsureStorage();
-    return;
-  }
+  if (!StartEdit()) return;
   if (!m_partActive) return;
   Commit();
   if (RefreshPartNodeCount() < 2) return;

@@ -93,7 +93,7 @@ std::string RegistryStore::Location() {
   const char* chosen = std::getenv("KESTRIX_REGISTRY");
   if (chosen && *chosen) return chosen;
   const char* config = std::getenv("XDG_CONFIG_HOME");
-  // The base directory specification ignores a relative path.
+  // XDG_CONFIG_HOME counts only when it is an absolute path, as the XDG rules have it.
   const std::string base = config && *config == '/' ? config : HomeDirectory() + "/.config";
   return base + "/kestrix/registry";
 }
