@@ -88,19 +88,6 @@ TEST(NmeaInput, AFixedPortIsReadFromItsFirstSentenceLostInSilenceAndFoundAgain) 
   EXPECT_FALSE(input.IsRunning());
 }
 
-TEST(NmeaInput, ADeviceGoingAwayIsLostAtOnce) {
-  kxtest::PrivateRegistry registry;
-  auto receiver = std::make_unique<Receiver>(5, 4800, Gga);
-  NmeaInput input;
-  input.SetPort(5);
-  input.SetBaudRate(4800);
-  ASSERT_TRUE(input.Open());
-  ASSERT_TRUE(input.GetFoundEvent()->WaitFor(2000));
-  receiver.reset();
-  EXPECT_TRUE(input.GetLostEvent()->WaitFor(1000));
-  input.Close();
-}
-
 TEST(NmeaInput, AMissingFixedPortFailsOpen) {
   kxtest::PrivateRegistry registry;
   NmeaInput input;
