@@ -52,14 +52,16 @@ int Simulator::Run(const SimulatorOptions& options) {
     std::fprintf(stderr, "no lines in %s\n", options.log.c_str());
     return 2;
   }
+  // Before the port is registered: a signal from here on ends the program through the
+  // destructors, which take the port out of the registry again.
+  std::signal(SIGINT, OnSignal);
+  std::signal(SIGTERM, OnSignal);
   kxrig::SimulatedComPort com(options.port, "kestrix-simulate-");
   if (!com.IsReady()) {
     std::fprintf(stderr, "no pseudo-terminal, or cannot register COM%d: in the registry\n",
                  options.port);
     return 2;
   }
-  std::signal(SIGINT, OnSignal);
-  std::signal(SIGTERM, OnSignal);
   std::fprintf(stderr, "COM%d: is %s, a receiver at %d baud playing %s\n", options.port,
                com.Line().PortPath().c_str(), options.baud, options.log.c_str());
   const bool once = options.once;

@@ -8,6 +8,7 @@
 // reads nothing but errors), and so that the line's settings can be looked at.
 #pragma once
 
+#include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <stdlib.h>
@@ -25,6 +26,8 @@ class PseudoTerminal {
   PseudoTerminal() {
     m_device = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (m_device < 0 || grantpt(m_device) != 0 || unlockpt(m_device) != 0) return;
+    // The device never waits for the port: see Send.
+    fcntl(m_device, F_SETFL, fcntl(m_device, F_GETFL) | O_NONBLOCK);
     char name[64];
     if (ptsname_r(m_device, name, sizeof name) != 0) return;
     m_portPath = name;
@@ -45,10 +48,19 @@ class PseudoTerminal {
   bool IsReady() const { return m_device >= 0 && m_portSide >= 0; }
   const std::string& PortPath() const { return m_portPath; }
 
-  // Bytes from the device to the port. While nobody reads the port its buffer may fill;
-  // then the bytes are lost, as on a cable.
+  // Bytes from the device to the port; false unless all of them went. While nobody reads
+  // the port its buffer fills; then what doesn't fit is lost, as on a cable, and the
+  // device goes on without waiting (a blocking write would hold it, and whoever stops
+  // it, for as long as nobody reads).
   bool Send(const std::string& bytes) {
-    return m_device >= 0 && ::write(m_device, bytes.data(), bytes.size()) == ssize_t(bytes.size());
+    size_t sent = 0;
+    while (m_device >= 0 && sent < bytes.size()) {
+      const ssize_t wrote = ::write(m_device, bytes.data() + sent, bytes.size() - sent);
+      if (wrote < 0 && errno == EINTR) continue;
+      if (wrote <= 0) return false;
+      sent += size_t(wrote);
+    }
+    return m_device >= 0;
   }
   // What the port sent, until `count` bytes have come or the time is over.
   std::string Receive(size_t count, int milliseconds) {
