@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The fixes of real receiver logs against gpsd's gpsdecode.
 
-Runs `kestrix replay LOG --mode queue --json` for every log in tests/data/nmea and
+Runs `kestrix replay LOG --mode queue --json --all` for every log in tests/data/nmea and
 compares with the checked-in gpsdecode output (NAME.gpsdecode.jsonl):
 
 - every gpsd TPV with a position (mode 2 or 3) has a fix of the library at the same
@@ -53,7 +53,7 @@ def time_of_day(iso):
 
 
 def library_events(kestrix, log):
-    out = subprocess.run([kestrix, "replay", str(log), "--mode", "queue", "--json"],
+    out = subprocess.run([kestrix, "replay", str(log), "--mode", "queue", "--json", "--all"],
                          capture_output=True, text=True, check=True).stdout
     fixes, movements, skies, last = {}, {}, [], None
     for line in out.splitlines():

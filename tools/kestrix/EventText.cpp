@@ -1,6 +1,7 @@
 #include "tools/kestrix/EventText.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,8 @@ class Fields {
   std::vector<Field> m_fields;
 };
 
+constexpr short kUtmNorth = 1, kUtmSouth = 2;
+
 std::string Narrow(BSTR text) {
   std::string out;
   for (unsigned i = 0; text && i < SysStringLen(text); ++i) out += static_cast<char>(text[i]);
@@ -83,7 +86,7 @@ Fields Fix(KxGpsFix fix, short grid) {
       .Number("alt", sea, 3)
       .Number("altHAE", ellipsoid, 3);
   if (grid) {
-    Position_SetGrid(p, grid);
+    Position_SetGrid(p, grid == EventText::kUtm ? (lat < 0 ? kUtmSouth : kUtmNorth) : grid);
     double e = 0, n = 0;
     Position_GetEasting(p, &e);
     Position_GetNorthing(p, &n);
@@ -146,6 +149,18 @@ Fields SentenceOf(KxNmeaSentence s) {
 }
 
 }  // namespace
+
+bool EventText::ReadGrid(const std::string& text, short& grid) {
+  if (text == "utm") {
+    grid = kUtm;
+    return true;
+  }
+  char* end = nullptr;
+  const long id = std::strtol(text.c_str(), &end, 10);
+  if (text.empty() || *end != '\0' || id < 0 || id > 0x7FFF) return false;
+  grid = short(id);
+  return true;
+}
 
 std::string EventText::Describe(int type, void* object, short grid, bool json) {
   switch (type) {

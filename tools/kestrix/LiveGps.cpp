@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "KestrixCE.h"
+#include "tools/kestrix/EpochFilter.h"
 #include "tools/kestrix/EventText.h"
 
 namespace kestrix {
@@ -67,11 +68,12 @@ int LiveGps::Run(const LiveGpsOptions& options) {
   std::signal(SIGINT, OnInterrupt);
   std::signal(SIGTERM, OnInterrupt);
   std::thread watcher(Watch, parser, options.seconds);
+  EpochFilter filter(options.all);
   for (;;) {
     int type = 0;
     void* object = NmeaParser_GetEventData(parser, &type);
     if (!object) break;  // closed
-    if (type != KX_EVENT_SENTENCE || options.sentences) {
+    if ((type != KX_EVENT_SENTENCE || options.sentences) && filter.Admits(type, object)) {
       std::printf("%s\n", EventText::Describe(type, object, options.grid, options.json).c_str());
       std::fflush(stdout);
     }

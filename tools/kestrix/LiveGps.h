@@ -8,8 +8,9 @@ namespace kestrix {
 struct LiveGpsOptions {
   std::string port = "auto";  // a COM port number, or auto
   std::string baud = "auto";  // a baud rate, or auto
-  short grid = 0;
+  short grid = 0;             // fixes also in this grid (EventText::ReadGrid)
   bool json = false;
+  bool all = false;  // every event as delivered, not one fix and movement per epoch
   bool sentences = false;
   double seconds = 0;  // 0: until interrupted
 };

@@ -1,10 +1,12 @@
 #include "tools/kestrix/Replay.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <map>
 
 #include "KestrixCE.h"
+#include "tools/kestrix/EpochFilter.h"
 #include "tools/kestrix/EventText.h"
 
 namespace kestrix {
@@ -14,7 +16,12 @@ namespace {
 // Marks the end of one line's events in queue mode: its own sentence event comes last.
 const char* const kSentinel = "$PKXSYNC*44\r\n";
 
-std::u16string Wide(const std::string& bytes) { return std::u16string(bytes.begin(), bytes.end()); }
+// Each byte one character, 0x80 to 0xFF included.
+std::u16string Wide(const std::string& bytes) {
+  std::u16string text;
+  for (const char byte : bytes) text += char16_t(static_cast<unsigned char>(byte));
+  return text;
+}
 
 bool IsSentinel(int type, void* object) {
   if (type != KX_EVENT_SENTENCE) return false;
@@ -48,8 +55,14 @@ class Session {
     return false;
   }
 
+  // The bytes of a line as a receiver sent them. Wide text ends at its first NUL, which
+  // binary receivers mix in: the bytes on either side of one go in one after the other,
+  // and the parser finds the sentences among them as among any other noise.
   void Feed(const std::string& line) {
-    NmeaParser_Parse(m_parser, Wide(line).c_str());
+    for (size_t start = 0, end = 0; start < line.size(); start = end + 1) {
+      end = std::min(line.find('\0', start), line.size());
+      if (end > start) NmeaParser_Parse(m_parser, Wide(line.substr(start, end - start)).c_str());
+    }
     if (m_options.mode == "window") return DrainWindow();
     if (m_options.mode == "queue") return DrainQueue();
     DrainPolls();
@@ -68,6 +81,7 @@ class Session {
   }
 
   void Print(int type, void* object) {
+    if (!m_filter.Admits(type, object)) return;
     std::fprintf(m_out, "%s\n",
                  EventText::Describe(type, object, m_options.grid, m_options.json).c_str());
   }
@@ -120,6 +134,7 @@ class Session {
   KxNmeaParser m_parser = NmeaParser_New();
   HWND m_window = nullptr;
   std::map<int, void*> m_polled;
+  EpochFilter m_filter{m_options.all};
 };
 
 }  // namespace

@@ -8,9 +8,10 @@ namespace kestrix {
 
 struct ReplayOptions {
   std::string log;
-  short grid = 0;               // fixes also in this grid
+  short grid = 0;               // fixes also in this grid (EventText::ReadGrid)
   std::string mode = "window";  // window, queue or poll
   bool json = false;
+  bool all = false;  // every event as delivered, not one fix and movement per epoch
 };
 
 class Replay {

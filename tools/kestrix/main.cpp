@@ -6,7 +6,7 @@
 //   kestrix replay receiver.log --grid 1 --mode queue --json
 //   kestrix shp roads.shp --geometry
 //   kestrix shp copy roads.shp copy.shp
-//   kestrix simulate receiver.log --baud 57600 &   kestrix gps --grid 1
+//   kestrix simulate receiver.log --baud 57600 &   kestrix gps --grid utm
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
@@ -15,6 +15,7 @@
 
 #include "tools/kestrix/Catalogue.h"
 #include "tools/kestrix/Converter.h"
+#include "tools/kestrix/EventText.h"
 #include "tools/kestrix/LiveGps.h"
 #include "tools/kestrix/Replay.h"
 #include "tools/kestrix/ShpCommand.h"
@@ -68,6 +69,20 @@ int Convert(const ConvertOptions& options) {
   return status;
 }
 
+const char* const kAllHelp =
+    "print every event as delivered; by default a fix and a movement once per epoch "
+    "(the GGA and the RMC of one second give one line)";
+
+void AddGridOption(CLI::App* command, short& grid) {
+  command->add_option_function<std::string>(
+      "--grid",
+      [&grid](const std::string& text) {
+        if (!kestrix::EventText::ReadGrid(text, grid))
+          throw CLI::ValidationError("--grid", "a grid id (see convert --list) or utm");
+      },
+      "print fixes also in this grid; utm: UTM of the fix's hemisphere (grid 1 or 2)");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -89,7 +104,8 @@ int main(int argc, char** argv) {
   CLI::App* replayCommand = app.add_subcommand(
       "replay", "Feed a receiver log through the parser and print every delivered event.");
   replayCommand->add_option("log", replay.log, "the log file")->required();
-  replayCommand->add_option("--grid", replay.grid, "print fixes also in this grid");
+  AddGridOption(replayCommand, replay.grid);
+  replayCommand->add_flag("--all", replay.all, kAllHelp);
   replayCommand->add_option("--mode", replay.mode, "window (default), queue or poll");
   replayCommand->add_flag("--json", replay.json, "one JSON object per line");
   kestrix::ShpOptions shp;
@@ -106,7 +122,8 @@ int main(int argc, char** argv) {
       "gps", "Read a live receiver and print fixes, movement, satellites and status.");
   gpsCommand->add_option("--port", gps.port, "COM port number, or auto (default)");
   gpsCommand->add_option("--baud", gps.baud, "baud rate, or auto (default)");
-  gpsCommand->add_option("--grid", gps.grid, "print fixes also in this grid");
+  AddGridOption(gpsCommand, gps.grid);
+  gpsCommand->add_flag("--all", gps.all, kAllHelp);
   gpsCommand->add_flag("--json", gps.json, "one JSON object per line");
   gpsCommand->add_flag("--sentences", gps.sentences, "print every sentence too");
   gpsCommand->add_option("--seconds", gps.seconds, "stop after this long (default: Ctrl-C)");
