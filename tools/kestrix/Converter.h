@@ -23,13 +23,14 @@ class Converter {
 
   // Empty when the sides are acceptable, else the library's text for what isn't.
   std::string Check();
-  // The converted coordinates, or the library's error text; `ok` says which.
+  // The converted coordinates; or, with `ok` false, why not: the library's error number
+  // and text of the first call that failed ("error 10003: Invalid latitude..."), or what
+  // the line should have been when it holds no coordinates.
   std::string Convert(const std::string& line, bool& ok);
 
  private:
   void Place(KxPosition position, const Side& side);
-  std::string Failure(KxPosition position);
-  std::string Read(KxPosition position);
+  std::string Read(KxPosition position, std::string& failure);
 
   Side m_from, m_to;
 };

@@ -30,8 +30,8 @@ struct ConvertOptions {
   std::vector<std::string> coordinates;
 };
 
-// Exit codes: 0 all converted, 1 a line could not be converted, 2 a refused datum,
-// grid or zone.
+// Exit codes: 0 all converted, 1 a line or more could not be converted, 2 a refused
+// datum, grid or zone.
 int Convert(const ConvertOptions& options) {
   if (options.list) {
     std::fputs(kestrix::Catalogue::List().c_str(), stdout);
@@ -50,22 +50,32 @@ int Convert(const ConvertOptions& options) {
     std::fprintf(stderr, "%s\n", refusal.c_str());
     return 2;
   }
+  // Each line its answer on stdout, or on stderr why not, naming the line.
   int status = 0;
-  auto one = [&](const std::string& line) {
+  auto one = [&](const std::string& line, const std::string& where) {
     bool ok = false;
     const std::string result = converter.Convert(line, ok);
-    std::fprintf(ok ? stdout : stderr, "%s\n", result.c_str());
-    if (!ok) status = 1;
+    if (ok) {
+      std::printf("%s\n", result.c_str());
+      return;
+    }
+    const size_t first = line.find_first_not_of(" \t"), last = line.find_last_not_of(" \t\r");
+    const std::string shown =
+        first == std::string::npos ? "" : line.substr(first, last - first + 1);
+    std::fflush(stdout);  // the messages in their place among the answers
+    std::fprintf(stderr, "%s\"%s\": %s\n", where.c_str(), shown.c_str(), result.c_str());
+    status = 1;
   };
   if (!options.coordinates.empty()) {
     std::string line;
     for (const std::string& part : options.coordinates) line += part + " ";
-    one(line);
+    one(line, "");
     return status;
   }
   std::string line;
-  while (std::getline(std::cin, line))
-    if (line.find_first_not_of(" \t\r") != std::string::npos) one(line);
+  for (long number = 1; std::getline(std::cin, line); ++number)
+    if (line.find_first_not_of(" \t\r") != std::string::npos)
+      one(line, "line " + std::to_string(number) + " ");
   return status;
 }
 
