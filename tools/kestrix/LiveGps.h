@@ -17,7 +17,8 @@ struct LiveGpsOptions {
 
 class LiveGps {
  public:
-  // Exit codes: 0 ended by time or interrupt, 2 bad options or a port that won't open.
+  // Exit codes: 0 ended by time or interrupt, 2 bad options or a port that won't open
+  // (said on stderr in one line: the library's error number and text).
   static int Run(const LiveGpsOptions& options);
 };
 

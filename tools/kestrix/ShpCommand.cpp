@@ -49,7 +49,11 @@ class OpenFile {
  public:
   OpenFile(const std::string& name, int mode) : m_file(ShapeFile_New()) {
     ShapeFile_Open(m_file, Wide(name).c_str(), mode);
-    m_failure = Failure(ShapeFile_GetErrHandle(m_file));
+    KxError error = ShapeFile_GetErrHandle(m_file);
+    m_failure = Failure(error);
+    if (!m_failure.empty())
+      m_message = name + ": error " + std::to_string(Error_ErrNum(error)) + ": " +
+                  Narrow(Error_ErrDesc(error, nullptr));
   }
   ~OpenFile() { ShapeFile_Delete(m_file); }
   OpenFile(const OpenFile&) = delete;
@@ -58,10 +62,19 @@ class OpenFile {
   KxShapeFile get() const { return m_file; }
   // A refused open; a damaged index alone leaves the file open, with its text here.
   const std::string& failure() const { return m_failure; }
+  // The same as a line for the user: "roads.shp: error 2: ...".
+  const std::string& message() const { return m_message; }
+  // Whether the main file is open: a seek to the first record tells, as only a closed
+  // file refuses it with 10010 (an open one at most has no such record).
+  bool IsOpen() const {
+    if (m_failure.empty()) return true;
+    ShapeFile_Seek(m_file, 0);
+    return Error_ErrNum(ShapeFile_GetErrHandle(m_file)) != 10010;
+  }
 
  private:
   KxShapeFile m_file;
-  std::string m_failure;
+  std::string m_failure, m_message;
 };
 
 void PrintBounds(std::FILE* out, const char* first, const char* second, const double b[8],
@@ -121,6 +134,10 @@ void PrintShape(std::FILE* out, KxShape shape, int index, int type, bool geometr
 int ShpCommand::Dump(const ShpOptions& options, std::FILE* out) {
   OpenFile file(options.file, KX_SHAPEFILE_READ);
   KxShapeFile shp = file.get();
+  if (!file.IsOpen()) {
+    std::fprintf(stderr, "kestrix shp: %s\n", file.message().c_str());
+    return 2;
+  }
   const int type = ShapeFile_GetShapeFileType(shp);
   double b[8];
   ShapeFile_GetBoundingBox(shp, &b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &b[6], &b[7]);
@@ -143,13 +160,16 @@ int ShpCommand::Dump(const ShpOptions& options, std::FILE* out) {
 }
 
 int ShpCommand::Copy(const ShpOptions& options) {
-  // A damaged index is no reason to stop: the first read tells whether the main file
-  // opened.
+  // A damaged index is no reason to stop, a main file that won't open is.
   OpenFile in(options.copyFrom, KX_SHAPEFILE_READ);
   KxShapeFile source = in.get();
+  if (!in.IsOpen()) {
+    std::fprintf(stderr, "kestrix shp: %s\n", in.message().c_str());
+    return 2;
+  }
   OpenFile out(options.copyTo, KX_SHAPEFILE_CREATE);
   if (!out.failure().empty()) {
-    std::fprintf(stderr, "%s: %s\n", options.copyTo.c_str(), out.failure().c_str());
+    std::fprintf(stderr, "kestrix shp: %s\n", out.message().c_str());
     return 2;
   }
   ShapeFile_SetShapeFileType(out.get(), ShapeFile_GetShapeFileType(source));

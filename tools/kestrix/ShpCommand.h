@@ -16,10 +16,11 @@ struct ShpOptions {
 class ShpCommand {
  public:
   // 0 when every record was read; 1 when one failed (the records before it are
-  // printed, then the failure).
+  // printed, then the failure); 2 when the file doesn't open, said on stderr in one line
+  // with the library's error number and text.
   static int Dump(const ShpOptions& options, std::FILE* out);
-  // 0 when every record was copied; 1 when reading or writing failed; 2 when the
-  // new file couldn't be made.
+  // 0 when every record was copied; 1 when reading or writing failed; 2 when the file
+  // doesn't open or the new file couldn't be made.
   static int Copy(const ShpOptions& options);
 };
 
