@@ -36,7 +36,7 @@ status=$?
 "$kestrix" simulate "$log" --baud 9600 --port 6 2>"$work/simulate" &
 simulator=$!
 sleep 0.3
-device=$(sed -n 's|^COM6: is \(/dev/pts/[0-9]*\),.*|\1|p' "$work/simulate")
+device=$(sed -n 's|^kestrix simulate: COM6: is \(/dev/pts/[0-9]*\),.*|\1|p' "$work/simulate")
 [ -n "$device" ] || fail "no simulated COM6"
 "$kestrix" gps --seconds 6 >"$work/out" 2>"$work/err"
 grep -q "searching COM6 ($device) at 4800 and 57600 baud" "$work/err" ||

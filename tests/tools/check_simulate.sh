@@ -42,5 +42,12 @@ ends_within "$simulator" 30 || { fail "--seconds 1 not honoured within 3 s"; kil
 wait "$simulator"
 grep -q "kestrix-simulate" "$KESTRIX_REGISTRY" && fail "COM6 stayed in the registry after --seconds"
 
+# --realtime (the demo's pace): epochs a second apart, here twenty times faster; the log's
+# 73 epochs take more than three seconds, where at the pace of the wire they fit in one.
+"$kestrix" simulate "$log" --baud 38400 --speedup 20 --port 6 --once --seconds 1 --realtime \
+  2>"$work/err"
+sent=$(sed -n 's/.*: \([0-9]*\) lines sent/\1/p' "$work/err")
+[ "${sent:-0}" -gt 10 ] && [ "$sent" -lt 200 ] || fail "--realtime sent ${sent:-no} lines in 1 s"
+
 [ "$failures" -eq 0 ] && echo "the simulator stops with nobody reading"
 [ "$failures" -eq 0 ]

@@ -1,8 +1,9 @@
 // kestrix simulate: a receiver without hardware. A pseudo-terminal is registered as a
 // COM port for as long as the program runs, and a log is played on it, over and over,
-// at the pace of the chosen baud rate. Like a real receiver it is heard only at its own
-// speed: while the port is set to another, what it says is lost, as garbled bytes would be.
-// At the end it tells how many lines went out whole.
+// at the pace of the chosen baud rate, or with --realtime an epoch at a time at the pace
+// of the recording (times a speed-up in both cases). Like a real receiver it is heard
+// only at its own speed: while the port is set to another, what it says is lost, as
+// garbled bytes would be. At the end it tells how many lines went out whole.
 #pragma once
 
 #include <string>
@@ -15,7 +16,8 @@ struct SimulatorOptions {
   double speedup = 1;
   int port = 5;
   bool once = false;
-  double seconds = 0;  // 0: until the end of the log or Ctrl-C
+  bool realtime = false;  // epochs at the pace of the recording, not back to back
+  double seconds = 0;     // 0: until the end of the log or Ctrl-C
 };
 
 class Simulator {

@@ -145,6 +145,9 @@ int main(int argc, char** argv) {
   simulateCommand->add_option("--speedup", simulate.speedup, "play this many times faster");
   simulateCommand->add_option("--port", simulate.port, "the COM port number (5)");
   simulateCommand->add_flag("--once", simulate.once, "play the log once, not over and over");
+  simulateCommand->add_flag("--realtime", simulate.realtime,
+                            "an epoch at a time at the pace of the recording (one a second), "
+                            "not every line back to back at the pace of the baud rate");
   simulateCommand->add_option("--seconds", simulate.seconds, "stop after this long");
   CLI11_PARSE(app, argc, argv);
   if (replayCommand->parsed()) return kestrix::Replay::Run(replay, stdout);

@@ -1,9 +1,11 @@
 // A receiver at the device's end of a line: a thread that says the lines of a script one
 // after the other, each taking the time its bytes need on the wire at the receiver's speed
-// (ten bits a byte), divided by a speed-up. Like a real receiver it is heard only while
-// the port runs at its speed: at another speed the script waits, as what it said would
-// arrive garbled. When the port comes to its speed the receiver starts a moment later,
-// with the next line, so that the port's own purge doesn't take a line away.
+// (ten bits a byte), divided by a speed-up, with silences between them where the script
+// asks for them (a receiver says an epoch's sentences at once, then waits for the next).
+// Like a real receiver it is heard only while the port runs at its speed: at another
+// speed the script waits, as what it said would arrive garbled. When the port comes to its
+// speed the receiver starts a moment later, with the next line, so that the port's own
+// purge doesn't take a line away.
 #pragma once
 
 #include <termios.h>
@@ -25,12 +27,17 @@ class SimulatedReceiver {
  public:
   // The n-th line heard, counting from 0, with its CR LF; an empty line ends the script.
   using Script = std::function<std::string(int64_t)>;
+  // The seconds of silence before the n-th line, divided by the speed-up as well.
+  using Pause = std::function<double(int64_t)>;
 
-  SimulatedReceiver(PseudoTerminal& line, int baud, Script script, double speedup = 1)
+  SimulatedReceiver(PseudoTerminal& line, int baud, Script script, double speedup = 1,
+                    Pause pause = nullptr)
       : m_line(line),
         m_speed(SpeedOf(baud)),
         m_secondsPerByte(10.0 / baud / speedup),
+        m_speedup(speedup),
         m_script(std::move(script)),
+        m_pause(std::move(pause)),
         m_thread([this] { Run(); }) {}
   ~SimulatedReceiver() { Stop(); }
   SimulatedReceiver(const SimulatedReceiver&) = delete;
@@ -77,6 +84,7 @@ class SimulatedReceiver {
 
   void Run() {
     bool heard = false;
+    int64_t pausedBefore = -1;
     auto next = Clock::now();
     while (!m_finished) {
       if (m_muted || m_line.Speed() != m_speed) {
@@ -94,11 +102,19 @@ class SimulatedReceiver {
         m_finished = true;
         break;
       }
+      if (m_pause && pausedBefore != m_sent) {
+        pausedBefore = m_sent;
+        next += Seconds(m_pause(m_sent) / m_speedup);
+        if (!SleepUntil(next)) return;
+        continue;  // the port may have changed its speed meanwhile
+      }
       if (m_line.Send(text)) ++m_sent;
-      next += std::chrono::duration_cast<Clock::duration>(
-          std::chrono::duration<double>(double(text.size()) * m_secondsPerByte));
+      next += Seconds(double(text.size()) * m_secondsPerByte);
       if (!SleepUntil(next)) return;
     }
+  }
+  static Clock::duration Seconds(double seconds) {
+    return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
   }
   // False when told to stop.
   bool SleepUntil(Clock::time_point when) {
@@ -109,7 +125,9 @@ class SimulatedReceiver {
   PseudoTerminal& m_line;
   const speed_t m_speed;
   const double m_secondsPerByte;
+  const double m_speedup;
   const Script m_script;
+  const Pause m_pause;
   std::mutex m_mutex;
   std::condition_variable m_wake;
   bool m_stop = false;
