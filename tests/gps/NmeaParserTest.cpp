@@ -201,6 +201,21 @@ TEST_F(NmeaParserTest, AnIdleEngineSleeps) {
   NmeaParser_SetPortEnabled(parser, 0);
 }
 
+// Receivers and applications write the command in either case.
+TEST_F(NmeaParserTest, ALowerCaseCommandGivesItsFix) {
+  EventWindow window;
+  NmeaParser_SetCallbackHWND(parser, window.Handle());
+  NmeaParser_Parse(parser,
+                   Line("gpgga,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,").c_str());
+  EXPECT_EQ(window.Drain(), (std::vector<int>{9, 5, 1}));
+  NmeaParser_Parse(parser,
+                   Line("GPgga,123520,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,").c_str());
+  EXPECT_EQ(window.Drain(), (std::vector<int>{5, 1}));
+  NmeaParser_Parse(parser,
+                   Line("GPrMc,123521,A,4807.040,N,01131.002,E,022.4,084.4,230394,,").c_str());
+  EXPECT_EQ(window.Drain(), (std::vector<int>{5, 7, 1}));
+}
+
 TEST_F(NmeaParserTest, SettingsAndTheirRefusals) {
   NmeaParser_SetGpsDatum(parser, 0);
   EXPECT_EQ(Error(), "10003 Unknown datum!");
