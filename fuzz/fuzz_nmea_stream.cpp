@@ -1,7 +1,11 @@
 // Bytes from a port: the splitter and the sentences it hands out, with arbitrary bytes,
 // runs longer than the ring without CR LF, long fields and NULs. Nothing may be read
-// out of bounds, and every sentence handed out must carry a right checksum.
+// out of bounds, and every sentence handed out must carry a right checksum. The same
+// bytes handed over at once, as a text by hand, must lose none of the sentences that the
+// pieces gave.
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "frame/Ref.h"
 #include "gps/NmeaSentence.h"
@@ -37,12 +41,18 @@ void Exercise(NmeaSentence* sentence) {
   Ref<String>(sentence->GetSentence());
 }
 
+std::string TextOf(NmeaSentence* sentence) {
+  Ref<String> text(sentence->GetSentence());
+  return text ? std::string(text->GetText(), size_t(text->GetLength())) : std::string();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 65536) return 0;
   SentenceSplitter splitter;
-  // Feed in uneven pieces, as a port does, scanning after each.
+  std::vector<std::string> pieces;
+  // Write in uneven pieces, as a port does, scanning after each.
   size_t at = 0, piece = 1;
   while (at < size) {
     const size_t length = size - at < piece ? size - at : piece;
@@ -51,8 +61,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     piece = piece * 3 % 700 + 1;
     while (splitter.FindSentence()) {
       Ref<NmeaSentence> sentence(splitter.GetSentence());
+      pieces.push_back(TextOf(sentence.get()));
       Exercise(sentence.get());
     }
   }
+  SentenceSplitter whole;
+  size_t matched = 0;
+  whole.Feed(data, int32_t(size), [&] {
+    Ref<NmeaSentence> sentence(whole.GetSentence());
+    if (matched < pieces.size() && TextOf(sentence.get()) == pieces[matched]) ++matched;
+  });
+  if (matched != pieces.size()) __builtin_trap();  // a sentence the pieces found went lost
   return 0;
 }

@@ -134,8 +134,9 @@ NmeaInput::LoopEnd NmeaInput::ReadLoop() {
     group.Add(Ref<Event>(m_serial->GetReceivedEvent()).get());
     group.Add(Ref<Event>(m_serial->GetErrorEvent()).get());
   }
+  bool heard = QueueSentences();  // those behind the one that ended the search
   for (;;) {
-    if (QueueSentences()) {
+    if (heard) {
       if (!m_receiving) {
         m_receiving = true;
         m_found->Set();
@@ -145,8 +146,9 @@ NmeaInput::LoopEnd NmeaInput::ReadLoop() {
     Ref<Event> woke(group.WaitAny(kSilence));
     if (woke.get() == m_stop) return LoopEnd::kStopped;
     if (woke) woke->Reset();
+    heard = false;
     if (woke && woke->GetKind() == SerialPort::kReceived) {
-      Receive();
+      heard = Receive();
     } else if (Silent(bool(woke))) {
       return LoopEnd::kLost;
     }
@@ -164,10 +166,18 @@ bool NmeaInput::QueueSentences() {
   return any;
 }
 
-void NmeaInput::Receive() {
+// Reads that piled up while this thread was busy may hold more than the ring: each is
+// scanned as it goes in. True if a sentence was queued.
+bool NmeaInput::Receive() {
   LockScope lock;
-  while (Ref<ByteBuffer> bytes{m_serial->ReadBuffer()})
-    m_splitter->WriteBytes(bytes->GetData(), bytes->GetLength());
+  bool any = false;
+  while (Ref<ByteBuffer> bytes{m_serial->ReadBuffer()}) {
+    m_splitter->Feed(bytes->GetData(), bytes->GetLength(), [&] {
+      m_queue.Push(Ref<NmeaSentence>(m_splitter->GetSentence()).get());
+      any = true;
+    });
+  }
+  return any;
 }
 
 // The port failed or said nothing for the whole wait. A fixed port and speed stays in

@@ -59,7 +59,7 @@ class NmeaInput : public BaseObject {
   bool FindPort();
   LoopEnd ReadLoop();
   bool QueueSentences();
-  void Receive();
+  bool Receive();
   bool Silent(bool portFailed);
   void Adopt(SerialPort* port, SentenceSplitter* splitter);
   void GiveUpSource();
@@ -68,8 +68,8 @@ class NmeaInput : public BaseObject {
   int32_t m_baudRate = 0;
   bool m_checksumMandatory = true;
   bool m_receiving = false;
-  SerialPort* m_serial = nullptr;           // guarded by the LibraryLock
-  SentenceSplitter* m_splitter = nullptr;   // guarded by the LibraryLock
+  SerialPort* m_serial = nullptr;          // guarded by the LibraryLock
+  SentenceSplitter* m_splitter = nullptr;  // guarded by the LibraryLock
   Event* m_lost;
   Event* m_found;
   Event* m_sentences;

@@ -481,14 +481,12 @@ void NmeaParser::Parse(const String* text) {
     return;
   }
   if (!text || text->GetLength() == 0) return;
-  if (!m_handParser->WriteBytes(reinterpret_cast<const uint8_t*>(text->GetText()),
-                                text->GetLength()))
-    return;
-  while (m_handParser->FindSentence()) {
+  // Scanned as it goes in: a text longer than the ring keeps all its sentences.
+  m_handParser->Feed(reinterpret_cast<const uint8_t*>(text->GetText()), text->GetLength(), [&] {
     Ref<NmeaSentence> sentence(m_handParser->GetSentence());
     Ref<EventItem> item(new EventItem(sentence.get(), kSentenceTag));
     Dispatch(item.get());
-  }
+  });
 }
 
 void NmeaParser::Close() {

@@ -1,7 +1,6 @@
 #include "gps/NmeaSentence.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 
 #if defined(__SSE2__)
@@ -34,6 +33,14 @@ String* Shared(String* text) {
   return text;
 }
 
+// Three characters against a name in capitals, without regard to case: clearing bit 5
+// turns a small letter into its capital, and no other byte into a capital.
+bool SameLetters(const char* text, const char* name) {
+  for (int i = 0; i < 3; ++i)
+    if ((text[i] & ~0x20) != name[i]) return false;
+  return true;
+}
+
 // Appends what fits within the limit.
 void Append(std::string& text, const char* bytes, size_t length) {
   if (text.size() >= kTextLimit) return;
@@ -52,6 +59,7 @@ void NmeaSentence::Close() {
   ForgetSpans();
   m_fieldCount = 0;
   m_dirty = 0;
+  m_commandInText = false;
 }
 
 void NmeaSentence::SetSentence(const String* text) {
@@ -63,6 +71,7 @@ void NmeaSentence::AdoptSentence(String* text) {
   if (text && text->GetLength() < kShortestSentence) ReleaseObject(text);
   if (!text) return;
   m_text = text;
+  m_commandInText = true;
   FindFields();
 }
 
@@ -205,24 +214,24 @@ void NmeaSentence::SetCommand(const String* command) {
 }
 
 String* NmeaSentence::GetCommand() const {
-  if (!m_command && m_text) m_command = m_text->Mid(3, 3);
+  if (!m_command && m_commandInText) m_command = m_text->Mid(3, 3);
   return Shared(m_command);
 }
 
 String* NmeaSentence::GetFullCommand() const {
-  if (!m_fullCommand && m_text) m_fullCommand = m_text->Mid(1, 5);
+  if (!m_fullCommand && m_commandInText) m_fullCommand = m_text->Mid(1, 5);
   return Shared(m_fullCommand);
 }
 
-// The command is characters 3 to 5 of the text until one is set.
+// The command is characters 3 to 5 of a text that was set until one is set; either way
+// it has three characters. Receivers and applications write it in either case.
 int32_t NmeaSentence::GetType() const {
-  if (!m_command && !m_text) return kNone;
-  for (const TypeName& t : kTypes) {
-    // A kept text has at least the "$", the talker and the three letters.
-    const bool same = m_command ? m_command->EqualsAt(t.name, 0, 0)
-                                : std::memcmp(m_text->GetText() + 3, t.name, 3) == 0;
-    if (same) return t.type;
-  }
+  const char* command = m_command         ? m_command->GetText()
+                        : m_commandInText ? m_text->GetText() + 3
+                                          : nullptr;
+  if (!command) return kNone;
+  for (const TypeName& t : kTypes)
+    if (SameLetters(command, t.name)) return t.type;
   return kNone;
 }
 
@@ -237,6 +246,8 @@ void NmeaSentence::BuildText() {
   TakeOverSpans();
   std::string text = "$";
   Ref<String> command(GetFullCommand());
+  Ref<String> shortCommand(GetCommand());  // both forms outlive the text they came from
+  m_commandInText = false;
   if (command && command->GetLength() > 0)
     Append(text, command->GetText(), size_t(command->GetLength()));
   for (int32_t number = 1; number <= m_fieldCount; ++number) {

@@ -66,12 +66,15 @@ class NmeaSentence : public BaseObject {
   // since are kept as Strings and take precedence.
   Span m_inlineSpans[kInlineSpans];
   std::vector<Span> m_moreSpans;
-  int32_t m_spanCount = 0;  // fields still read from the text
+  int32_t m_spanCount = 0;         // fields still read from the text
   ObjectList* m_fields = nullptr;  // made when the first field is set
   int32_t m_fieldCount = 0;
   uint8_t m_dirty = 0;
   mutable String* m_command = nullptr;  // made from the text when first asked for
   mutable String* m_fullCommand = nullptr;
+  // The text was set, so its characters 1 to 5 are the command until one is set; a text
+  // built here holds only the command that the sentence had.
+  bool m_commandInText = false;
 };
 
 }  // namespace kx

@@ -15,10 +15,13 @@ int HexDigit(uint8_t byte) { return byte >= '0' && byte <= '9' ? byte - '0' : by
 
 }  // namespace
 
-// Only the last ring's worth of a long write survives, as if written byte by byte.
+// Only the last ring's worth of a long write survives, as if written byte by byte. The
+// scan never falls further behind than the ring reaches: its counter would otherwise
+// come round to a place within the newest bytes and skip the sentences before it.
 bool SentenceSplitter::WriteBytes(const uint8_t* bytes, int32_t length) {
   if (!bytes || length <= 0) return false;
   const bool lineFeed = std::memchr(bytes, '\n', size_t(length)) != nullptr;
+  const bool overtaken = length >= kRingSize - Unread();
   int32_t skip = length > kRingSize ? length - kRingSize : 0;
   m_write = uint16_t(m_write + skip);
   for (int32_t at = skip; at < length;) {
@@ -29,6 +32,7 @@ bool SentenceSplitter::WriteBytes(const uint8_t* bytes, int32_t length) {
     m_write = uint16_t(m_write + piece);
     at += piece;
   }
+  if (overtaken) m_scan = uint16_t(m_write - (kRingSize - 1));
   return lineFeed;
 }
 

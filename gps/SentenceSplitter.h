@@ -2,7 +2,9 @@
 // checksum out. Noise, broken-off and corrupt sentences vanish without a report.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "frame/BaseObject.h"
 #include "gps/NmeaSentence.h"
@@ -14,9 +16,14 @@ class SentenceSplitter : public BaseObject {
   static constexpr uint16_t kRingSize = 512;
 
   // Append to the ring; true when a byte was LF. More than a ring's worth between two
-  // scans overwrites the oldest bytes.
+  // scans overwrites the oldest bytes, and the scan goes on at the oldest byte left.
   bool WriteBytes(const uint8_t* bytes, int32_t length);
   bool WriteString(const char* text);
+  // Appends bytes of any length, scanned as they go in, and calls `found()` for every
+  // sentence so completed, which GetSentence then gives: a sentence that fits in the ring
+  // is never overwritten before it has been scanned.
+  template <class Found>
+  void Feed(const uint8_t* bytes, int32_t length, Found&& found);
   // The next complete sentence with a good checksum; call until it returns false.
   bool FindSentence();
   // A new sentence of the one found last, without its CR and LF.
@@ -42,5 +49,23 @@ class SentenceSplitter : public BaseObject {
   uint16_t m_start = 0;
   bool m_checksumMandatory = true;
 };
+
+// Each piece goes in up to its last LF that the ring takes before unscanned bytes would be
+// overwritten, and is scanned; a line longer than that goes in whole, by the ring's rule.
+template <class Found>
+void SentenceSplitter::Feed(const uint8_t* bytes, int32_t length, Found&& found) {
+  while (length > 0) {
+    int32_t piece = std::min(length, kRingSize - 1 - Unread());
+    while (piece > 0 && bytes[piece - 1] != '\n') --piece;
+    if (piece == 0) {
+      const void* lineFeed = std::memchr(bytes, '\n', size_t(length));
+      piece = lineFeed ? int32_t(static_cast<const uint8_t*>(lineFeed) - bytes) + 1 : length;
+    }
+    if (WriteBytes(bytes, piece))
+      while (FindSentence()) found();
+    bytes += piece;
+    length -= piece;
+  }
+}
 
 }  // namespace kx

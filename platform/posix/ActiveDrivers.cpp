@@ -21,6 +21,9 @@ constexpr const char* kFamilies[] = {"ttyS", "ttyUSB", "ttyACM", "rfcomm"};
 constexpr int kFamilyCount = int(sizeof kFamilies / sizeof *kFamilies);
 // The device numbers COM ports end at: the registry's names are "COM1:" to "COM255:".
 constexpr long kLastPort = 255;
+// The automatic search never tries this port, so no device found here is given it: it
+// stays free for a receiver that a user places there by hand.
+constexpr long kUnsearchedPort = 3;
 
 // The family's index and the device's number, or -1 for a name of no family.
 int FamilyOf(const std::string& name, long& number) {
@@ -192,7 +195,7 @@ void MergeActiveDrivers(RegistryNode& localMachine, const std::vector<SerialDevi
   long port = 1;
   for (const SerialDeviceFound& device : devices) {
     if (takenPaths.count(device.path) || active->Child(FromUtf8(device.name))) continue;
-    while (takenPorts.count(port)) ++port;
+    while (takenPorts.count(port) || port == kUnsearchedPort) ++port;
     if (port > kLastPort) return;
     AddEntry(*active, device, port++);
   }

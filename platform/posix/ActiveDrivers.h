@@ -27,9 +27,9 @@ std::vector<SerialDeviceFound> FindSerialDevices();
 // so, and the writer leaves them out.
 //
 // Each device gets an entry of its name with "Name" "COMn:", the lowest port number that
-// no written entry holds, "DevicePath", and "Key" naming the entry itself, which holds
-// the "FriendlyName". A device that a written entry already names by its path is left
-// to that entry.
+// no written entry holds, never 3 (which the automatic search leaves out), "DevicePath",
+// and "Key" naming the entry itself, which holds the "FriendlyName". A device that a
+// written entry already names by its path is left to that entry.
 void MergeActiveDrivers(RegistryNode& localMachine);
 void MergeActiveDrivers(RegistryNode& localMachine, const std::vector<SerialDeviceFound>& devices);
 

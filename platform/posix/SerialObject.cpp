@@ -5,6 +5,7 @@
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 
 #include "platform/posix/SerialSettings.h"
 #include "platform/posix/SystemError.h"
+#include "platform/posix/TerminalsInUse.h"
 
 namespace platform {
 
@@ -111,13 +113,27 @@ bool MakeExclusive(int descriptor) {
   return true;
 }
 
-// Raw bytes at the speed the line has, or at 9600 when termios has no rate for it.
-bool MakeRaw(int descriptor, DCB& dcb) {
-  termios line;
-  if (::tcgetattr(descriptor, &line) != 0) return false;
+// Raw bytes at the speed the line has (`found`), or at 9600 when termios has no rate for it.
+bool MakeRaw(int descriptor, const termios& found, DCB& dcb) {
+  termios line = found;
   dcb = SerialSettings::FromTermios(line);
   if (!dcb.BaudRate) dcb.BaudRate = 9600;
   return SerialSettings::ToTermios(dcb, line) && ::tcsetattr(descriptor, TCSANOW, &line) == 0;
+}
+
+// The console, or a terminal that a getty or a shell has as its own, is in use: opening
+// it would take that program's input and change its line.
+bool BelongsToSomeoneElse(const std::string& path) {
+  struct stat device;
+  return ::stat(path.c_str(), &device) == 0 && S_ISCHR(device.st_mode) &&
+         IsTerminalInUse(device.st_rdev);
+}
+
+// What the port may have changed of the line: the output modem lines, as TIOCMGET gives
+// them; -1 for a device without them.
+int OutputLines(int descriptor) {
+  int lines = 0;
+  return ::ioctl(descriptor, TIOCMGET, &lines) == 0 ? lines & (TIOCM_DTR | TIOCM_RTS) : -1;
 }
 
 }  // namespace
@@ -137,6 +153,7 @@ class SerialObject::Call {
 };
 
 SerialObject* SerialObject::Open(const std::string& path) {
+  if (BelongsToSomeoneElse(path)) return Refuse(ERROR_ACCESS_DENIED);
   int descriptor;
   do {
     descriptor = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
@@ -148,8 +165,10 @@ SerialObject* SerialObject::Open(const std::string& path) {
   }
   if (!MakeExclusive(descriptor)) return nullptr;
   DCB dcb;
+  termios found;
   const int wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  if (wake < 0 || !MakeRaw(descriptor, dcb)) {
+  const int foundLines = OutputLines(descriptor);
+  if (wake < 0 || ::tcgetattr(descriptor, &found) != 0 || !MakeRaw(descriptor, found, dcb)) {
     const DWORD error = ErrorFromErrno(errno);
     if (wake >= 0) ::close(wake);
     ::ioctl(descriptor, TIOCNXCL);
@@ -164,6 +183,8 @@ SerialObject* SerialObject::Open(const std::string& path) {
     return Refuse(ERROR_NOT_ENOUGH_MEMORY);
   }
   port->m_dcb = dcb;
+  port->m_found = found;
+  port->m_foundLines = foundLines;
   SetLastError(ERROR_SUCCESS);
   return port;
 }
@@ -203,11 +224,22 @@ BOOL SerialObject::Close() {
   while (::write(m_wake, &one, sizeof one) < 0 && errno == EINTR) {
   }
   m_idle.wait(lock, [this] { return m_calls == 0; });
+  RestoreLine();
   ::ioctl(m_descriptor, TIOCNXCL);
   ::close(m_descriptor);  // lets the lock go
   ::close(m_wake);
   m_descriptor = -1;
   return TRUE;
+}
+
+// The line goes back to the settings and the modem lines it had before the open, for the
+// program that uses it next. A device that has gone refuses, and nothing is lost.
+void SerialObject::RestoreLine() {
+  ::tcsetattr(m_descriptor, TCSANOW, &m_found);
+  if (m_foundLines < 0) return;
+  int raise = m_foundLines, lower = ~m_foundLines & (TIOCM_DTR | TIOCM_RTS);
+  ::ioctl(m_descriptor, TIOCMBIS, &raise);
+  ::ioctl(m_descriptor, TIOCMBIC, &lower);
 }
 
 SerialObject::Wake SerialObject::WaitFor(short events, int milliseconds) {

@@ -6,7 +6,12 @@
 //
 // A port is exclusive: an flock on the descriptor keeps every other open of it out, in
 // this process and in others, and TIOCEXCL keeps out programs that don't take the lock.
+// A terminal that another program holds as its own (the console, a getty's or a shell's
+// line) is in use likewise, and isn't opened at all. Closing gives the line back with the
+// settings it had before.
 #pragma once
+
+#include <termios.h>
 
 #include <condition_variable>
 #include <mutex>
@@ -60,6 +65,7 @@ class SerialObject : public StreamObject {
   bool ReadModemLines(DWORD& status);
   bool ChangeModemLine(int line, bool on);
   bool ApplyLineControl(const DCB& dcb);
+  void RestoreLine();
 
   int m_descriptor;
   const int m_wake;
@@ -71,6 +77,8 @@ class SerialObject : public StreamObject {
   COMMTIMEOUTS m_timeouts{};   // guarded by m_mutex
   DWORD m_mask = 0;            // guarded by m_mutex
   unsigned m_maskChanges = 0;  // guarded by m_mutex
+  termios m_found{};           // the line's settings before the open
+  int m_foundLines = -1;       // its DTR and RTS before the open; -1 without modem lines
 };
 
 }  // namespace platform

@@ -2,8 +2,14 @@
 // exported functions: the status as the receiver is found, loses its fix, falls silent and
 // comes back; what the application writes reaches the receiver; disabling while a read
 // waits.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -42,6 +48,62 @@ std::string Say(int64_t n, const std::atomic<bool>& fixing) {
     std::snprintf(body, sizeof body, "GPGSV,1,1,01,07,45,120,%02d", second);
   return Sentence(body);
 }
+
+// A line as a terminal program leaves it: 9600 baud, lines edited, CR LF on output.
+void MakeCooked(const std::string& path) {
+  const int line = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  termios settings{};
+  ASSERT_EQ(tcgetattr(line, &settings), 0);
+  settings.c_lflag |= ICANON | ISIG;
+  settings.c_iflag |= ICRNL;
+  settings.c_oflag |= OPOST | ONLCR;
+  cfsetspeed(&settings, B9600);
+  EXPECT_EQ(tcsetattr(line, TCSANOW, &settings), 0);
+  ::close(line);
+}
+
+bool SameSettings(const termios& a, const termios& b) {
+  return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_cflag == b.c_cflag &&
+         a.c_lflag == b.c_lflag && std::equal(a.c_cc, a.c_cc + NCCS, b.c_cc) &&
+         cfgetispeed(&a) == cfgetispeed(&b) && cfgetospeed(&a) == cfgetospeed(&b);
+}
+
+// A process whose controlling terminal is the line, as a getty's or a shell's is, until
+// the object goes.
+class TerminalOwner {
+ public:
+  explicit TerminalOwner(const std::string& path) {
+    int ready[2], hold[2];
+    if (::pipe2(ready, O_CLOEXEC) != 0) return;
+    if (::pipe2(hold, O_CLOEXEC) != 0) return;
+    m_child = ::fork();
+    if (m_child == 0) {  // only calls that are safe after a fork of a threaded process
+      ::close(ready[0]);
+      ::close(hold[1]);
+      const int line = ::setsid() < 0 ? -1 : ::open(path.c_str(), O_RDWR);
+      const char owns = line >= 0 && ::ioctl(line, TIOCSCTTY, 0) == 0;
+      char byte;
+      if (::write(ready[1], &owns, 1) == 1) (void)!::read(hold[0], &byte, 1);
+      ::_exit(0);
+    }
+    ::close(ready[1]);
+    ::close(hold[0]);
+    m_hold = hold[1];
+    char owns = 0;
+    m_owns = m_child > 0 && ::read(ready[0], &owns, 1) == 1 && owns;
+    ::close(ready[0]);
+  }
+  ~TerminalOwner() {
+    if (m_hold >= 0) ::close(m_hold);  // the child's read ends, and so does the child
+    if (m_child > 0) ::waitpid(m_child, nullptr, 0);
+  }
+  bool Owns() const { return m_owns; }
+
+ private:
+  pid_t m_child = -1;
+  int m_hold = -1;
+  bool m_owns = false;
+};
 
 struct Status {
   bool nmea = false, fix = false;
@@ -131,6 +193,50 @@ TEST_F(LiveParser, DisablingWhileAReadWaitsReturnsAtOnce) {
   EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(500));
   NmeaParser_SetPortEnabled(parser, 1);  // the port is free again
   EXPECT_EQ(kxtest::Failure(NmeaParser_GetErrHandle(parser)), "0");
+}
+
+// The port had a line that a terminal program left; after the port it has it again.
+TEST_F(LiveParser, APortGivesTheLineBackAsItFoundIt) {
+  MakeCooked(m_com.Line().PortPath());
+  const termios before = m_com.Line().Settings();
+  Enable();
+  ASSERT_TRUE(AwaitStatus(true, false, 3000));
+  EXPECT_FALSE(SameSettings(m_com.Line().Settings(), before));
+  NmeaParser_SetPortEnabled(parser, 0);
+  EXPECT_TRUE(SameSettings(m_com.Line().Settings(), before));
+}
+
+// The search opens every free port at both speeds and gives each line back as it was;
+// the terminal of another program it never opens, and by hand that port is in use.
+TEST(TheSearch, LeavesOtherProgramsTerminalsAloneAndGivesLinesBack) {
+  kxtest::PrivateRegistry registry;
+  kxrig::SimulatedComPort owned(4), free(6);
+  ASSERT_TRUE(owned.IsReady() && free.IsReady());
+  MakeCooked(owned.Line().PortPath());
+  MakeCooked(free.Line().PortPath());
+  TerminalOwner shell(owned.Line().PortPath());
+  ASSERT_TRUE(shell.Owns());
+  const termios ownedBefore = owned.Line().Settings(), freeBefore = free.Line().Settings();
+
+  KxNmeaParser parser = NmeaParser_New();
+  NmeaParser_SetPortEnabled(parser, 1);
+  bool free4800 = false, free57600 = false, ownedTouched = false;
+  for (const auto end = Clock::now() + std::chrono::milliseconds(3000); Clock::now() < end;) {
+    const speed_t speed = free.Line().Speed();
+    free4800 |= speed == B4800;
+    free57600 |= speed == B57600;
+    ownedTouched |= !SameSettings(owned.Line().Settings(), ownedBefore);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  EXPECT_TRUE(free4800 && free57600);
+  EXPECT_FALSE(ownedTouched);
+  NmeaParser_SetPortEnabled(parser, 0);
+  EXPECT_TRUE(SameSettings(free.Line().Settings(), freeBefore));
+
+  NmeaParser_SetComPort(parser, 4);
+  NmeaParser_SetPortEnabled(parser, 1);
+  EXPECT_EQ(kxtest::Failure(NmeaParser_GetErrHandle(parser)), "10007 Comm port in use!");
+  NmeaParser_Delete(parser);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <time.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <string>
@@ -199,6 +200,47 @@ TEST_F(NmeaParserTest, AnIdleEngineSleeps) {
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
   EXPECT_LT(cpu() - before, 100.0);
   NmeaParser_SetPortEnabled(parser, 0);
+}
+
+// Receivers and applications write the command in either case.
+TEST_F(NmeaParserTest, ALowerCaseCommandGivesItsFix) {
+  EventWindow window;
+  NmeaParser_SetCallbackHWND(parser, window.Handle());
+  NmeaParser_Parse(parser,
+                   Line("gpgga,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,").c_str());
+  EXPECT_EQ(window.Drain(), (std::vector<int>{9, 5, 1}));
+  NmeaParser_Parse(parser,
+                   Line("GPgga,123520,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,").c_str());
+  EXPECT_EQ(window.Drain(), (std::vector<int>{5, 1}));
+  NmeaParser_Parse(parser,
+                   Line("GPrMc,123521,A,4807.040,N,01131.002,E,022.4,084.4,230394,,").c_str());
+  EXPECT_EQ(window.Drain(), (std::vector<int>{5, 7, 1}));
+}
+
+// A whole buffer handed over at once: every complete sentence comes out, also behind an
+// unfinished sentence; one longer than the ring is dropped and the next ones are found.
+TEST_F(NmeaParserTest, ATextLongerThanTheRingKeepsEverySentence) {
+  EventWindow window;
+  NmeaParser_SetCallbackHWND(parser, window.Handle());
+  auto sentences = [](int count) {
+    std::u16string text;
+    for (int second = 0; second < count; ++second)
+      text += Line("GPGGA,1200" + std::to_string(10 + second) +
+                   ",4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
+    return text;
+  };
+  auto sentencesOut = [&] {
+    const std::vector<int> types = window.Drain();
+    return std::count(types.begin(), types.end(), 1);
+  };
+  ASSERT_GT(sentences(14).size(), 900u);
+  NmeaParser_Parse(parser, sentences(14).c_str());
+  EXPECT_EQ(sentencesOut(), 14);
+  NmeaParser_Parse(parser, (u"$GPGGA," + std::u16string(500, u'7') + sentences(14)).c_str());
+  EXPECT_EQ(sentencesOut(), 14);
+  NmeaParser_Parse(parser, (u"$GPGGA," + std::u16string(600, u'7') + u"*00\r\n").c_str());
+  NmeaParser_Parse(parser, sentences(3).c_str());
+  EXPECT_EQ(sentencesOut(), 3);
 }
 
 TEST_F(NmeaParserTest, SettingsAndTheirRefusals) {

@@ -79,6 +79,25 @@ TEST_F(NmeaSentenceTest, TheCommandChangesAndTheFieldsStay) {
   EXPECT_EQ(Command(true), "GNRMC");
 }
 
+// A command comes only from a text that was set or from SetCommand, never from the text
+// that the sentence built for itself.
+TEST_F(NmeaSentenceTest, ASentenceMadeWithoutACommandHasNone) {
+  NmeaSentence_SetField(s, 1, u"x");
+  EXPECT_EQ(Text(), "$,x*54");
+  EXPECT_EQ(Command(), "");
+  EXPECT_EQ(Command(true), "");
+  NmeaSentence_SetField(s, 2, u"y");
+  EXPECT_EQ(Text(), "$,x,y*01");
+  NmeaSentence_SetCommand(s, u"gll");
+  EXPECT_EQ(Text(), "$GPgll,x,y*71");
+  EXPECT_EQ(Command(), "gll");
+  Set(u"$GPGLL,1,2*00");
+  NmeaSentence_SetField(s, 3, u"3");
+  EXPECT_EQ(Text(), "$GPGLL,1,2,3*4C");  // a text that was set keeps its command
+  EXPECT_EQ(Command(), "GLL");
+  EXPECT_EQ(Command(true), "GPGLL");
+}
+
 TEST_F(NmeaSentenceTest, AFullBufferGoesWithoutChecksum) {
   std::u16string longField(300, u'9');
   Set(u"$GPXXX,1*00");

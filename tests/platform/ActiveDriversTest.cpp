@@ -76,6 +76,18 @@ TEST_F(ActiveDrivers, DevicesTakeThePortsThatWrittenEntriesLeaveFree) {
   EXPECT_EQ(TextOf(Entry(u"01"), u"Name"), "COM1:");
 }
 
+// The automatic search never tries COM3: a third device there would never be found.
+TEST_F(ActiveDrivers, NoDeviceIsNumberedOntoTheUnsearchedComThree) {
+  platform::MergeActiveDrivers(*m_machine, kDevices);
+  EXPECT_EQ(TextOf(Entry(u"ttyS0"), u"Name"), "COM1:");
+  EXPECT_EQ(TextOf(Entry(u"ttyUSB0"), u"Name"), "COM2:");
+  EXPECT_EQ(TextOf(Entry(u"ttyACM0"), u"Name"), "COM4:");
+  EXPECT_EQ(TextOf(Entry(u"rfcomm0"), u"Name"), "COM5:");
+  Written(u"by-hand", "COM3:", "/dev/serial/by-id/usb-gps");  // where a user may put one
+  platform::MergeActiveDrivers(*m_machine, kDevices);
+  EXPECT_EQ(TextOf(Entry(u"ttyACM0"), u"Name"), "COM4:");
+}
+
 TEST_F(ActiveDrivers, EachLookRenewsTheDevicesAndTheFileKeepsOnlyWhatWasWritten) {
   platform::MergeActiveDrivers(*m_machine, kDevices);
   EXPECT_EQ(platform::RegistryText::Write(m_top).find("tty"), std::string::npos);
