@@ -126,6 +126,12 @@ KX_API int32_t RegQueryValueExW(HKEY key, const WCHAR* name, uint32_t* reserved,
                                 unsigned char* data, uint32_t* dataLength);
 KX_API int32_t RegSetValueExW(HKEY key, const WCHAR* name, uint32_t reserved, uint32_t type,
                               const unsigned char* data, uint32_t dataLength);
+/* The name of the index-th subkey (0 upwards), ERROR_NO_MORE_ITEMS (259) past the last;
+ * class and time are not kept and may be null. */
+struct FILETIME;
+KX_API int32_t RegEnumKeyExW(HKEY key, uint32_t index, WCHAR* name, uint32_t* nameLength,
+                             uint32_t* reserved, WCHAR* keyClass, uint32_t* classLength,
+                             struct FILETIME* lastWriteTime);
 
 /* ---- handles ---------------------------------------------------------------------- */
 typedef struct KxErrorRecord_* KxError;

@@ -276,9 +276,7 @@ constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
 // Options, access masks, classes, security and reserved arguments are ignored, as the
 // device ignores them. Those an application needs to declare its ports are in the public
 // header: RegCreateKeyExW, RegOpenKeyExW, RegCloseKey, RegDeleteKeyW, RegDeleteValueW,
-// RegQueryValueExW and RegSetValueExW.
-LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved,
-                   WCHAR* keyClass, DWORD* classLength, FILETIME* lastWriteTime);
+// RegQueryValueExW, RegSetValueExW and RegEnumKeyExW.
 LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved,
                    DWORD* type, BYTE* data, DWORD* dataLength);
 LONG RegQueryInfoKeyW(HKEY key, WCHAR* keyClass, DWORD* classLength, DWORD* reserved,

@@ -1,6 +1,5 @@
 #include "tools/kestrix/ComPorts.h"
 
-#include <dirent.h>
 #include <grp.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -19,11 +18,6 @@ namespace kestrix {
 namespace {
 
 constexpr uint32_t kText = 1;  // REG_SZ
-// The numbers kestrix simulate takes: every port the search can tell apart (it reads a
-// port's number from the first digit of its name).
-constexpr int kSimulatedPorts = 9;
-
-std::u16string Wide(const std::string& text) { return std::u16string(text.begin(), text.end()); }
 
 std::string Value(HKEY key, const char16_t* name) {
   uint32_t type = 0, size = 0;
@@ -41,9 +35,9 @@ std::string Value(HKEY key, const char16_t* name) {
 }
 
 // The entry Drivers\Active\<key> as a port, when it names one.
-std::optional<ComPort> Entry(const std::string& key) {
+std::optional<ComPort> Entry(const std::u16string& key) {
   HKEY entry = nullptr;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, Wide("Drivers\\Active\\" + key).c_str(), 0, 0, &entry) != 0)
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, (u"Drivers\\Active\\" + key).c_str(), 0, 0, &entry) != 0)
     return std::nullopt;
   const std::string name = Value(entry, u"Name"), device = Value(entry, u"DevicePath");
   RegCloseKey(entry);
@@ -51,21 +45,6 @@ std::optional<ComPort> Entry(const std::string& key) {
   const int number = std::atoi(name.c_str() + 3);
   if (number < 1) return std::nullopt;
   return ComPort{number, device};
-}
-
-// The library makes an entry for each serial device present, named as the device.
-std::vector<std::string> DeviceKeys() {
-  const char* chosen = std::getenv("KESTRIX_DEVICES");
-  const std::string directory = chosen && *chosen ? chosen : "/dev";
-  std::vector<std::string> keys;
-  if (DIR* dev = ::opendir(directory.c_str())) {
-    while (const dirent* item = ::readdir(dev))
-      for (const char* family : {"ttyS", "ttyUSB", "ttyACM", "rfcomm"})
-        if (std::strncmp(item->d_name, family, std::strlen(family)) == 0)
-          keys.push_back(item->d_name);
-    ::closedir(dev);
-  }
-  return keys;
 }
 
 bool InGroup(gid_t group) {
@@ -87,18 +66,24 @@ bool ListedIn(const group& entry) {
 
 }  // namespace
 
+// Every entry of Drivers\Active that names a COM port, in the order of their numbers: the
+// serial devices the library lists by itself and any a program has added.
 std::vector<ComPort> ComPorts::Known() {
-  std::vector<std::string> keys = DeviceKeys();
-  for (int n = 1; n <= kSimulatedPorts; ++n)
-    keys.push_back("kestrix-simulate-" + std::to_string(n));
   std::vector<ComPort> ports;
-  for (const std::string& key : keys) {
-    const auto port = Entry(key);
+  HKEY active = nullptr;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"Drivers\\Active", 0, 0, &active) != 0) return ports;
+  WCHAR name[256];
+  uint32_t length = 256;
+  for (uint32_t i = 0;
+       RegEnumKeyExW(active, i, name, &length, nullptr, nullptr, nullptr, nullptr) == 0;
+       ++i, length = 256) {
+    const auto port = Entry(std::u16string(name, length));
     if (!port) continue;
     auto at = std::find_if(ports.begin(), ports.end(),
                            [&](const ComPort& p) { return p.number >= port->number; });
     if (at == ports.end() || at->number != port->number) ports.insert(at, *port);
   }
+  RegCloseKey(active);
   return ports;
 }
 
