@@ -54,7 +54,6 @@ Geocentric FromHub(Geocentric g, const DatumRecord& p) {
 }  // namespace
 
 DatumGridEngine::~DatumGridEngine() {
-  ReleaseObject(zoneText);
   ReleaseObject(customGrid);
   ReleaseObject(customDatum);
 }
@@ -239,8 +238,8 @@ void DatumGridEngine::ReduceToZone() {
   int n = static_cast<int>(std::trunc(longitude / width * 180 / kPi));
   if (longitude < 0) n -= 1;
   longitude -= DegreesToRadians(n * width);
-  if (forcedZone != 0)
-    longitude += DegreesToRadians((n - (forcedZone - offset)) * width);
+  if (forcedZone)
+    longitude += DegreesToRadians((n - (*forcedZone - offset)) * width);
   else
     zone = static_cast<int16_t>(n + offset);
 }
@@ -304,25 +303,7 @@ void DatumGridEngine::ProjectInverse() {
 
 // ---- zone text --------------------------------------------------------------------
 
-String* DatumGridEngine::GetZoneText() {
-  const bool utm = GridCatalogue::FamilyOf(grid) == ZoneFamily::kUtm;
-  const bool stale = !zoneText || zoneTextKey != zone ||
-                     (utm && zoneText->GetChar(zoneText->GetLength() - 1) != BandLetter());
-  if (stale) {
-    ReleaseObject(zoneText);
-    zoneText = MakeZoneText();
-    zoneTextKey = zone;
-  }
-  zoneText->AddRef();
-  return zoneText;
-}
-
-void DatumGridEngine::ForgetZoneText() {
-  ReleaseObject(zoneText);
-  zoneTextKey = -1;
-}
-
-String* DatumGridEngine::MakeZoneText() const {
+String* DatumGridEngine::GetZoneText() const {
   std::string text;
   if (grid == GridCatalogue::kNoGrid) return new String("");
   if (GridCatalogue::FamilyOf(grid) == ZoneFamily::kUtm) {

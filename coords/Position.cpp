@@ -54,8 +54,6 @@ void ToSexagesimal(double radians, int16_t& degreesOut, int16_t& minutesOut, dou
   minutesOut = static_cast<int16_t>(minutes);
 }
 
-
-
 double DmsToRadians(double degrees, double minutes, double seconds) {
   return degrees / 180 * kPi + minutes / 180 / 60 * kPi + seconds / 180 / 3600 * kPi;
 }
@@ -348,7 +346,9 @@ String* Position::GetZone() {
   ClearError();
   if (m_engine.grid != GridCatalogue::kNoGrid) {
     Touch();
-    RefreshGrid();
+    // The band letter speaks of the latitude, which a new easting or northing has moved.
+    if (RefreshGrid() && GridCatalogue::FamilyOf(m_engine.grid) == ZoneFamily::kUtm)
+      RefreshGeographic();
   }
   return m_engine.GetZoneText();
 }
@@ -377,7 +377,7 @@ void Position::SetZone(const String* text) {
   Touch();
   const int16_t zone = text ? text->ToShort() : 0;
   if (zone == m_engine.zone) return;
-  m_engine.forcedZone = 0;
+  m_engine.forcedZone.reset();
   const ZoneFamily family = GridCatalogue::FamilyOf(m_engine.grid);
   if (family == ZoneFamily::kNone) return;  // a grid without zones ignores them
   if (!AcceptsZone(zone)) {
@@ -476,7 +476,7 @@ void Position::SetGrid(int16_t id) {
   PrepareGridChange();
   m_engine.grid = id;
   m_engine.zone = 0;
-  m_engine.ForgetZoneText();
+  m_engine.forcedZone.reset();  // a zone forced in the old grid means something else here
   Changed();
 }
 
@@ -492,7 +492,7 @@ void Position::SetCustomGrid(CustomGrid* grid) {
     return;
   PrepareGridChange();
   m_engine.AttachCustomGrid(grid);
-  m_engine.ForgetZoneText();
+  m_engine.forcedZone.reset();
   Changed();
 }
 

@@ -123,7 +123,7 @@ class Position : public BaseObject {
   uint8_t m_geographicStale = 0;
   uint8_t m_gridStale = 0;
   uint8_t m_pristine = 1;
-  uint8_t m_latitudeFormStale = 0;   // the radians were written after the form
+  uint8_t m_latitudeFormStale = 0;  // the radians were written after the form
   uint8_t m_longitudeFormStale = 0;
   std::atomic<uint32_t> m_revision{0};
 };

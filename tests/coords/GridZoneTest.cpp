@@ -60,6 +60,31 @@ TEST(UtmZones, AForcedZoneCountsFromItsOwnWesternEdge) {
   Position_Delete(p);
 }
 
+// A zone forced in one grid is another place in the next: a new grid starts without it
+// (zone 32 forced in grid 1 once followed the point into grid 28, and it came back 186
+// degrees off). The zone text speaks of the position as it stands: its band letter
+// follows a northing just set.
+TEST(UtmZones, ANewGridForgetsTheForcedZoneAndTheTextFollowsThePoint) {
+  KxPosition p = At(60, 15, 1);
+  Position_SetZone(p, 32);
+  EXPECT_EQ(Read(p).zone, "32V");
+  Position_SetGrid(p, 28);
+  const Grid g = Read(p);
+  EXPECT_EQ(g.zone, "33V");
+  const kxtest::Back back = FromGrid(p, g);
+  EXPECT_NEAR(back.latitude, 60, 1e-7);  // through ED50 and back
+  EXPECT_NEAR(back.longitude, 15, 1e-7);
+
+  KxPosition south = At(-30, 15, 1);
+  const Grid there = Read(south);
+  Position_SetNorthing(p, &there.northing);  // p is in zone 33 too, now at 30 degrees south
+  EXPECT_EQ(Read(p).zone, "33J");
+  double lat = 0;
+  Position_GetLatitudeDecDeg(p, &lat);
+  EXPECT_NEAR(lat, -30, 0.01);
+  for (KxPosition x : {p, south}) Position_Delete(x);
+}
+
 TEST(GaussKrueger, ZoneKHasItsCentralMeridianAt3K) {
   KxPosition p = At(51, 10.5, 29, 18);
   const Grid g = Read(p);

@@ -1,6 +1,7 @@
 // Position through its exported functions: forms of an angle, states, datum and grid.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <string>
 #include <thread>
@@ -447,6 +448,29 @@ TEST(PositionThreads, TwoThreadsWriteAndReadOnePosition) {
   double lat = 0;
   Position_GetLatitudeDecDeg(shared, &lat);
   EXPECT_TRUE(std::fabs(lat - 10.1999) < 1e-9 || std::fabs(lat - 20.1999) < 1e-9) << lat;
+  Position_Delete(shared);
+}
+
+// Zone texts handed out while another thread reads them: each caller gets a text of its
+// own to free, never the one the position keeps.
+TEST(PositionThreads, TwoThreadsReadingTheZoneTextEachFreeTheirOwn) {
+  KxPosition shared = Position_New();
+  const double lat = 60, lon = 15;
+  Position_SetGrid(shared, 1);
+  Position_SetLatitudeDecDeg(shared, &lat);
+  Position_SetLongitudeDecDeg(shared, &lon);
+  std::atomic<int> wrong{0};
+  auto reader = [&] {
+    for (int i = 0; i < 100000; ++i) {
+      BSTR text = nullptr;
+      Position_GetZone(shared, &text);
+      if (Take(text) != "33V") ++wrong;
+    }
+  };
+  std::thread a(reader), b(reader);
+  a.join();
+  b.join();
+  EXPECT_EQ(wrong, 0);
   Position_Delete(shared);
 }
 
