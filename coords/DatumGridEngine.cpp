@@ -18,6 +18,13 @@ constexpr const char* kZoneMustBeSpecified = "Zone must be specified for this gr
 constexpr const char* kUnknownAlgorithm = "Unknown algorithm for grid projection";
 constexpr const char* kOutsideGrid = "Position outside grid";
 
+// What an inverse projection gives for easting and northing far from its grid may be no
+// point at all: a latitude beyond a pole, or no number. A datum shift would turn it into
+// a plausible one, so it is refused before that.
+bool IsOnTheEarth(double latitude, double longitude) {
+  return std::fabs(latitude) <= kHalfPi && std::isfinite(longitude);
+}
+
 // Iterations of the geocentric-to-geographic latitude end on exact equality or here.
 constexpr int kLatitudePasses = 10;
 
@@ -291,7 +298,8 @@ void DatumGridEngine::ProjectInverse() {
   const Projection* projection = AlgorithmOf(row);
   if (!projection) return;
   double lat = 0, lon = 0;
-  if (!projection->Inverse({row, ellipsoid, zone}, easting, northing, lat, lon)) {
+  if (!projection->Inverse({row, ellipsoid, zone}, easting, northing, lat, lon) ||
+      !IsOnTheEarth(lat, lon)) {
     SetError(kErrInvalidArgument, kOutsideGrid);
     return;
   }

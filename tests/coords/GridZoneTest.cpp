@@ -160,6 +160,35 @@ TEST(ProjectionFrame, AlgorithmsOneAndThreeAreOneTransverseMercator) {
   Position_Delete(utm);
 }
 
+// Easting and northing whose inverse is no point on the earth: a latitude beyond a pole
+// (900 degrees once), a footpoint more than half a meridian up, or no number. An error
+// in every grid, also where a datum shift would have folded the latitude into a
+// plausible one (grid 3, 28); the edge of the earth itself still converts.
+TEST(ProjectionFrame, AnInverseThatLeavesTheEarthIsAnError) {
+  const struct {
+    short grid, zone;
+    double easting, northing;
+  } beyond[] = {{1, 33, 500000, 99999999},  {1, 33, 500000, -99999999}, {1, 33, 500000, 10500000},
+                {28, 33, 1400000, 9900000}, {3, 0, 400000, 1e8},        {21, 0, 2e9, 6e6}};
+  for (const auto& c : beyond) {
+    KxPosition p = Make({10, 20, 1, c.grid, c.zone});
+    Position_SetEasting(p, &c.easting);
+    Position_SetNorthing(p, &c.northing);
+    double lat = 0, lon = 0;
+    Position_GetLatitudeDecDeg(p, &lat);
+    EXPECT_EQ(Failure(Position_GetErrHandle(p)), "10003 Position outside grid") << c.grid;
+    Position_GetLongitudeDecDeg(p, &lon);
+    EXPECT_EQ(Failure(Position_GetErrHandle(p)), "10003 Position outside grid") << c.grid;
+    EXPECT_EQ(lat, 10.0);  // the values from before stand
+    Position_Delete(p);
+  }
+  KxPosition pole = At(90, 15, 1);
+  const kxtest::Back back = FromGrid(pole, Read(pole));
+  EXPECT_EQ(back.failure, "0");
+  EXPECT_NEAR(back.latitude, 90, 1e-9);
+  Position_Delete(pole);
+}
+
 // Key 5001 runs the Swiss algorithm in both tables; PROJ has no twin, so the round trip
 // stands for it.
 TEST(StatePlane, AlaskaZoneOneRoundTrips) {
