@@ -18,6 +18,13 @@ constexpr const char* kZoneMustBeSpecified = "Zone must be specified for this gr
 constexpr const char* kUnknownAlgorithm = "Unknown algorithm for grid projection";
 constexpr const char* kOutsideGrid = "Position outside grid";
 
+// What an inverse projection gives for easting and northing far from its grid may be no
+// point at all: a latitude beyond a pole, or no number. A datum shift would turn it into
+// a plausible one, so it is refused before that.
+bool IsOnTheEarth(double latitude, double longitude) {
+  return std::fabs(latitude) <= kHalfPi && std::isfinite(longitude);
+}
+
 // Iterations of the geocentric-to-geographic latitude end on exact equality or here.
 constexpr int kLatitudePasses = 10;
 
@@ -54,7 +61,6 @@ Geocentric FromHub(Geocentric g, const DatumRecord& p) {
 }  // namespace
 
 DatumGridEngine::~DatumGridEngine() {
-  ReleaseObject(zoneText);
   ReleaseObject(customGrid);
   ReleaseObject(customDatum);
 }
@@ -239,8 +245,8 @@ void DatumGridEngine::ReduceToZone() {
   int n = static_cast<int>(std::trunc(longitude / width * 180 / kPi));
   if (longitude < 0) n -= 1;
   longitude -= DegreesToRadians(n * width);
-  if (forcedZone != 0)
-    longitude += DegreesToRadians((n - (forcedZone - offset)) * width);
+  if (forcedZone)
+    longitude += DegreesToRadians((n - (*forcedZone - offset)) * width);
   else
     zone = static_cast<int16_t>(n + offset);
 }
@@ -292,7 +298,8 @@ void DatumGridEngine::ProjectInverse() {
   const Projection* projection = AlgorithmOf(row);
   if (!projection) return;
   double lat = 0, lon = 0;
-  if (!projection->Inverse({row, ellipsoid, zone}, easting, northing, lat, lon)) {
+  if (!projection->Inverse({row, ellipsoid, zone}, easting, northing, lat, lon) ||
+      !IsOnTheEarth(lat, lon)) {
     SetError(kErrInvalidArgument, kOutsideGrid);
     return;
   }
@@ -304,25 +311,7 @@ void DatumGridEngine::ProjectInverse() {
 
 // ---- zone text --------------------------------------------------------------------
 
-String* DatumGridEngine::GetZoneText() {
-  const bool utm = GridCatalogue::FamilyOf(grid) == ZoneFamily::kUtm;
-  const bool stale = !zoneText || zoneTextKey != zone ||
-                     (utm && zoneText->GetChar(zoneText->GetLength() - 1) != BandLetter());
-  if (stale) {
-    ReleaseObject(zoneText);
-    zoneText = MakeZoneText();
-    zoneTextKey = zone;
-  }
-  zoneText->AddRef();
-  return zoneText;
-}
-
-void DatumGridEngine::ForgetZoneText() {
-  ReleaseObject(zoneText);
-  zoneTextKey = -1;
-}
-
-String* DatumGridEngine::MakeZoneText() const {
+String* DatumGridEngine::GetZoneText() const {
   std::string text;
   if (grid == GridCatalogue::kNoGrid) return new String("");
   if (GridCatalogue::FamilyOf(grid) == ZoneFamily::kUtm) {

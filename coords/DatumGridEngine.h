@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "coords/CustomDatum.h"
 #include "coords/CustomGrid.h"
@@ -36,10 +37,9 @@ class DatumGridEngine : public BaseObject {
   void ProjectForward();
   void ProjectInverse();
 
-  // The zone as text, with one more reference.
-  String* GetZoneText();
-  // The grid changed: the cached zone text no longer speaks of it.
-  void ForgetZoneText();
+  // The zone as a new text (count 1), made from the values as they stand: nothing is
+  // kept that two threads could share.
+  String* GetZoneText() const;
 
   double longitude = 0;  // radians, east positive
   double latitude = 0;   // radians, north positive
@@ -49,9 +49,8 @@ class DatumGridEngine : public BaseObject {
   int16_t datum = DatumTable::kWgs84;
   int16_t grid = GridCatalogue::kNoGrid;
   int16_t zone = 0;
-  int16_t forcedZone = 0;  // 0: the projection picks the zone from the longitude
-  int16_t zoneTextKey = -1;
-  String* zoneText = nullptr;
+  // The zone chosen by the caller; none lets the projection pick it from the longitude.
+  std::optional<int16_t> forcedZone;
   CustomGrid* customGrid = nullptr;
   CustomDatum* customDatum = nullptr;
 
@@ -64,7 +63,6 @@ class DatumGridEngine : public BaseObject {
   void AddZoneOffset();
   const Projection* AlgorithmOf(const GridRecord& row);
   void ShareCustomDatum(CustomDatum* datum);
-  String* MakeZoneText() const;
   char BandLetter() const;
 };
 

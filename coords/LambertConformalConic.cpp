@@ -47,10 +47,16 @@ bool LambertConformalConic::Inverse(const ProjectionFrame& frame, double E, doub
                                     double& l) const {
   const Cone c = ConeOf(frame);
   const double e = std::sqrt(frame.ellipsoid.e2);
-  const double x = E - frame.row.falseEasting;
-  const double y = c.r0 - (N - frame.row.falseNorthing);
+  double x = E - frame.row.falseEasting;
+  double y = c.r0 - (N - frame.row.falseNorthing);
   double r = std::sqrt(x * x + y * y);
-  if (c.n < 0) r = -r;
+  // A cone whose apex lies south (n < 0): r, x and y all take the sign of n, as Snyder's
+  // inverse says, or the angle comes out half a turn off.
+  if (c.n < 0) {
+    r = -r;
+    x = -x;
+    y = -y;
+  }
   const double t = std::pow(r / (frame.ellipsoid.a * c.F), 1 / c.n);
   const double th = std::atan2(x, y);
   l = (th + c.w) / c.n + frame.row.longitudeOfOrigin;

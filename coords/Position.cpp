@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <new>
+#include <utility>
 
 #include "coords/Constants.h"
 #include "coords/SphericalGeometry.h"
@@ -53,8 +54,6 @@ void ToSexagesimal(double radians, int16_t& degreesOut, int16_t& minutesOut, dou
   degreesOut = static_cast<int16_t>(degrees);
   minutesOut = static_cast<int16_t>(minutes);
 }
-
-
 
 double DmsToRadians(double degrees, double minutes, double seconds) {
   return degrees / 180 * kPi + minutes / 180 / 60 * kPi + seconds / 180 / 3600 * kPi;
@@ -348,7 +347,9 @@ String* Position::GetZone() {
   ClearError();
   if (m_engine.grid != GridCatalogue::kNoGrid) {
     Touch();
-    RefreshGrid();
+    // The band letter speaks of the latitude, which a new easting or northing has moved.
+    if (RefreshGrid() && GridCatalogue::FamilyOf(m_engine.grid) == ZoneFamily::kUtm)
+      RefreshGeographic();
   }
   return m_engine.GetZoneText();
 }
@@ -377,7 +378,7 @@ void Position::SetZone(const String* text) {
   Touch();
   const int16_t zone = text ? text->ToShort() : 0;
   if (zone == m_engine.zone) return;
-  m_engine.forcedZone = 0;
+  m_engine.forcedZone.reset();
   const ZoneFamily family = GridCatalogue::FamilyOf(m_engine.grid);
   if (family == ZoneFamily::kNone) return;  // a grid without zones ignores them
   if (!AcceptsZone(zone)) {
@@ -476,7 +477,7 @@ void Position::SetGrid(int16_t id) {
   PrepareGridChange();
   m_engine.grid = id;
   m_engine.zone = 0;
-  m_engine.ForgetZoneText();
+  m_engine.forcedZone.reset();  // a zone forced in the old grid means something else here
   Changed();
 }
 
@@ -492,7 +493,7 @@ void Position::SetCustomGrid(CustomGrid* grid) {
     return;
   PrepareGridChange();
   m_engine.AttachCustomGrid(grid);
-  m_engine.ForgetZoneText();
+  m_engine.forcedZone.reset();
   Changed();
 }
 
@@ -623,19 +624,59 @@ bool Position::IsMethod(int32_t method, const char* unknown) {
 }
 
 // The other position itself when it shares this datum, else a copy brought into it:
-// the other never changes.
+// the other never changes. Null, with the failure here, when it can't be brought.
 Ref<Position> Position::InMyDatum(Position* other) {
   if (IsSameDatum(other)) return Ref<Position>::Share(other);
   Ref<Position> copy(other->Copy());
-  if (copy) copy->MakeSameDatum(this);
-  return copy;
+  if (!copy) {
+    CopyError(other);
+    return copy;
+  }
+  copy->MakeSameDatum(this);
+  return Brought(std::move(copy));
 }
 
+// The same for this grid and zone. The copy takes this zone directly, also one that
+// SetZone doesn't offer (grid 29 west of 3 degrees east, grid 48 zone 0): measured in
+// two zones, the plane would mix two planes.
 Ref<Position> Position::InMyGrid(Position* other) {
   if (IsSameGrid(other)) return Ref<Position>::Share(other);
   Ref<Position> copy(other->Copy());
-  if (copy) copy->MakeSameGrid(this);
-  return copy;
+  if (!copy) {
+    CopyError(other);
+    return copy;
+  }
+  if (m_engine.grid == GridCatalogue::kCustom) {
+    Ref<CustomGrid> grid(GetCustomGrid());
+    copy->SetCustomGrid(grid.get());
+  } else {
+    copy->SetGrid(m_engine.grid);
+    copy->AdoptZone(m_engine.zone);
+  }
+  return Brought(std::move(copy));
+}
+
+// A copy that failed on its way (its inverse projection, say) takes its failure here:
+// read afterwards, it would answer with the values it had.
+Ref<Position> Position::Brought(Ref<Position> copy) {
+  if (!copy->Error().Failed()) return copy;
+  CopyError(copy.get());
+  return Ref<Position>();
+}
+
+// The zone of the grid it has, whatever its number: SetZone without its range, for a
+// copy that must lie in another position's zone.
+void Position::AdoptZone(int16_t zone) {
+  LockScope lock;
+  ClearError();
+  Touch();
+  if (!RefreshGeographic()) return;
+  const ZoneFamily family = GridCatalogue::FamilyOf(m_engine.grid);
+  if (family == ZoneFamily::kUtm || family == ZoneFamily::kGaussKrueger3)
+    m_engine.forcedZone = zone;
+  m_engine.zone = zone;
+  m_gridStale = 1;
+  Changed();
 }
 
 bool Position::ReadGeographic(double& latitude, double& longitude) {
@@ -652,26 +693,35 @@ bool Position::ReadGrid(double& easting, double& northing) {
   return !Error().Failed();
 }
 
+// The other's point as this position sees it. When the other can't be read so, its
+// failure becomes this one's: a point that isn't there is never measured to.
+bool Position::ReadOthersGeographic(Position* other, double& latitude, double& longitude) {
+  Ref<Position> there = InMyDatum(other);
+  if (!there) return false;
+  if (there->ReadGeographic(latitude, longitude)) return true;
+  CopyError(there.get());
+  return false;
+}
+
+bool Position::ReadOthersGrid(Position* other, double& easting, double& northing) {
+  Ref<Position> there = InMyGrid(other);
+  if (!there) return false;
+  if (there->ReadGrid(easting, northing)) return true;
+  CopyError(there.get());
+  return false;
+}
+
 double Position::Distance(Position* other, int32_t method) {
   LockScope lock;
   ClearError();
   if (!CanMeasure(other, method, kUnknownDistanceMethod)) return 0;
   if (method == kGridPlane) {
-    double E1, N1;
-    if (!ReadGrid(E1, N1)) return 0;
-    Ref<Position> there = InMyGrid(other);
-    if (!there) return 0;
-    double E2 = 0, N2 = 0;
-    there->ReadGrid(E2, N2);
-    if (CopyError(there.get()) != 0) return 0;
+    double E1, N1, E2, N2;
+    if (!ReadGrid(E1, N1) || !ReadOthersGrid(other, E2, N2)) return 0;
     return std::sqrt((E2 - E1) * (E2 - E1) + (N2 - N1) * (N2 - N1));
   }
-  double p1, l1;
-  if (!ReadGeographic(p1, l1)) return 0;
-  Ref<Position> there = InMyDatum(other);
-  if (!there) return 0;
-  double p2 = 0, l2 = 0;
-  there->ReadGeographic(p2, l2);
+  double p1, l1, p2, l2;
+  if (!ReadGeographic(p1, l1) || !ReadOthersGeographic(other, p2, l2)) return 0;
   const double d = SphericalGeometry::Arc(p1, l1, p2, l2);
   return method == kSphereMetres ? d * SphericalGeometry::kEarthRadius : d;
 }
@@ -682,22 +732,16 @@ double Position::Bearing(Position* other, int32_t method) {
   if (!CanMeasure(other, method, kUnknownBearingMethod)) return 0;
   double bearing = 0;
   if (method == kGridPlane) {
-    double E1, N1, E2 = 0, N2 = 0;
-    if (!ReadGrid(E1, N1)) return 0;
-    Ref<Position> there = InMyGrid(other);
-    if (!there) return 0;
-    there->ReadGrid(E2, N2);
+    double E1, N1, E2, N2;
+    if (!ReadGrid(E1, N1) || !ReadOthersGrid(other, E2, N2)) return 0;
     double b = kHalfPi - std::atan2(N2 - N1, E2 - E1);
     if (b < 0) b += kTwoPi;
     bearing = b * 180 / kPi;
   } else {
     const double d = Distance(other, kSphereRadians);
     if (Error().Failed() || !(d > 1e-16)) return 0;  // at the same point
-    double p1, l1, p2 = 0, l2 = 0;
-    if (!ReadGeographic(p1, l1)) return 0;
-    Ref<Position> there = InMyDatum(other);
-    if (!there) return 0;
-    there->ReadGeographic(p2, l2);
+    double p1, l1, p2, l2;
+    if (!ReadGeographic(p1, l1) || !ReadOthersGeographic(other, p2, l2)) return 0;
     bearing = SphericalGeometry::Bearing(p1, l1, p2, l2, d);
   }
   return bearing == 360.0 ? 0 : bearing;

@@ -113,8 +113,12 @@ class Position : public BaseObject {
   bool IsMethod(int32_t method, const char* unknown);
   Ref<Position> InMyDatum(Position* other);
   Ref<Position> InMyGrid(Position* other);
+  void AdoptZone(int16_t zone);
+  Ref<Position> Brought(Ref<Position> copy);
   bool ReadGeographic(double& latitude, double& longitude);
   bool ReadGrid(double& easting, double& northing);
+  bool ReadOthersGeographic(Position* other, double& latitude, double& longitude);
+  bool ReadOthersGrid(Position* other, double& easting, double& northing);
 
   DatumGridEngine m_engine;
   double m_altitudeSeaLevel = 0;
@@ -123,7 +127,7 @@ class Position : public BaseObject {
   uint8_t m_geographicStale = 0;
   uint8_t m_gridStale = 0;
   uint8_t m_pristine = 1;
-  uint8_t m_latitudeFormStale = 0;   // the radians were written after the form
+  uint8_t m_latitudeFormStale = 0;  // the radians were written after the form
   uint8_t m_longitudeFormStale = 0;
   std::atomic<uint32_t> m_revision{0};
 };

@@ -39,6 +39,9 @@ bool TransverseMercator::Inverse(const ProjectionFrame& frame, double E, double 
   const double u =
       (MeridianArc(frame.ellipsoid, row.latitudeOfOrigin) + (N - row.falseNorthing) / k0) /
       (a * (1 - e2 / 4 - 3 * e2 * e2 / 64 - 5 * e2 * e2 * e2 / 256));
+  // A footpoint more than half a meridian from the equator: no point of the earth, not
+  // even one beyond the pole, lies that far up the central meridian.
+  if (!(std::fabs(u) <= kPi)) return false;
   const double e1_2 = e1 * e1, e1_3 = e1_2 * e1, e1_4 = e1_3 * e1;
   const double p1 = u + (3 * e1 / 2 - 27 * e1_3 / 32) * std::sin(2 * u) +
                     (21 * e1_2 / 16 - 55 * e1_4 / 32) * std::sin(4 * u) +

@@ -18,7 +18,9 @@ int32_t LengthOf(const char* text) { return text ? int32_t(std::strlen(text)) : 
 
 char Lower(char c) { return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c; }
 
-// The angle text after the seconds have been rounded up to the next carry.
+// The angle text after the seconds have been rounded up to the next carry. Each form
+// carries once more where its own rounding reaches a whole minute or degree: seconds
+// that "%.2f" would show as "60.00" are the next minute.
 std::string AngleText(int32_t degrees, int32_t minutes, double seconds, char hemisphere,
                       int32_t format) {
   seconds += 0.0005;
@@ -32,17 +34,34 @@ std::string AngleText(int32_t degrees, int32_t minutes, double seconds, char hem
   }
   std::string text;
   if (format == 0) {
+    std::string secondsText;
+    NumberText::AppendFixed(secondsText, seconds, 2);
+    if (secondsText == "60.00") {
+      secondsText = "0.00";
+      if (++minutes == 60) {
+        minutes = 0;
+        degrees += 1;
+      }
+    }
     NumberText::AppendInt(text, degrees);
     text += ' ';
     NumberText::AppendInt(text, minutes);
     text += '\'';
-    NumberText::AppendFixed(text, seconds, 2);
+    text += secondsText;
     text += ' ';
     if (hemisphere) text += hemisphere;  // "%c" of NUL ends the C text there
   } else if (format == 1 || format == 2) {
+    std::string minutesText;
+    NumberText::AppendFixed(minutesText, minutes + seconds / 60.0, 5);
+    if (minutes == 59 && minutesText == "60.00000") {
+      minutesText = "0.00000";
+      minutes = 0;
+      degrees += 1;
+    }
     NumberText::AppendIntPadded(text, degrees, format == 1 ? 2 : 3);
-    if (minutes < 10) text += '0';  // the minutes always take two digits
-    NumberText::AppendFixed(text, minutes + seconds / 60.0, 5);
+    // The minutes always take two digits, also where 9.999996 shows as "10.00000".
+    if (minutes < 10 && minutesText != "10.00000") text += '0';
+    text += minutesText;
   }
   return text;
 }

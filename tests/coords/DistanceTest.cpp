@@ -98,6 +98,55 @@ TEST(Distance, InTheGridPlane) {
   Position_Delete(origin);
 }
 
+// Grid 29 numbers the zone west of 3 degrees east 0, which SetZone doesn't offer: the
+// other position still comes into this one's zone (the same plane as a CustomGrid on
+// the zone's meridian), not measured in its own (31 m for 214 km once).
+TEST(Distance, InTheGridPlaneTheOtherComesIntoAZoneSetZoneDoesNotOffer) {
+  KxPosition west = kxtest::Make({50, 1, 1, 29}), east = kxtest::Make({50, 4, 1, 29});
+  KxCustomGrid zone0 = CustomGrid_New();
+  const double fe = 500000;
+  CustomGrid_SetFalseEasting(zone0, &fe);
+  CustomGrid_SetDatum(zone0, 18);
+  KxPosition westPlane = Position_Copy(west), eastPlane = Position_Copy(east);
+  Position_SetCustomGrid(westPlane, zone0);
+  Position_SetCustomGrid(eastPlane, zone0);
+  EXPECT_NEAR(Distance(west, east, 3), Distance(westPlane, eastPlane, 3), 1e-6);
+  EXPECT_NEAR(Bearing(west, east, 3), Bearing(westPlane, eastPlane, 3), 1e-9);
+  EXPECT_EQ(Failure(Position_GetErrHandle(west)), "0");
+  EXPECT_GT(Distance(west, east, 3), 214000);
+
+  // Grid 48: zone 0, where a new grid starts, is System 34 Jylland as zone 1 is.
+  KxPosition jylland0 = kxtest::Make({56.2, 9.5, 27, 48}), jylland1 = Position_Copy(jylland0);
+  Position_SetZone(jylland1, 1);
+  KxPosition other = kxtest::Make({56.0, 10.2, 27, 48, 2});
+  EXPECT_EQ(Distance(jylland0, other, 3), Distance(jylland1, other, 3));
+  EXPECT_EQ(Failure(Position_GetErrHandle(jylland0)), "0");
+  for (KxPosition p : {west, east, westPlane, eastPlane, jylland0, jylland1, other})
+    Position_Delete(p);
+  CustomGrid_Delete(zone0);
+}
+
+// A position that can't be converted passes its failure on, in every method; nothing is
+// measured to the point (0, 0) it still holds.
+TEST(Distance, AnOtherThatCannotConvertPassesItsErrorOn) {
+  KxPosition here = kxtest::Make({40, -80, 1, 31, 3702});
+  KxPosition lost = Position_New();  // grid 31 without a zone, and grid values
+  Position_SetGrid(lost, 31);
+  const double e = 400000, n = 100000;
+  Position_SetEasting(lost, &e);
+  Position_SetNorthing(lost, &n);
+  for (int method : {1, 2, 3}) {
+    EXPECT_EQ(Distance(here, lost, method), 0.0) << method;
+    EXPECT_EQ(Failure(Position_GetErrHandle(here)), "10003 Zone must be specified for this grid")
+        << method;
+    EXPECT_EQ(Bearing(here, lost, method), 0.0) << method;
+    EXPECT_EQ(Failure(Position_GetErrHandle(here)), "10003 Zone must be specified for this grid")
+        << method;
+  }
+  Position_Delete(here);
+  Position_Delete(lost);
+}
+
 TEST(Distance, RefusalsAndTheirTexts) {
   KxPosition p = At(1, 1), q = At(2, 2);
   KxError error = Position_GetErrHandle(p);

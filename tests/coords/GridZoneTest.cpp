@@ -60,6 +60,31 @@ TEST(UtmZones, AForcedZoneCountsFromItsOwnWesternEdge) {
   Position_Delete(p);
 }
 
+// A zone forced in one grid is another place in the next: a new grid starts without it
+// (zone 32 forced in grid 1 once followed the point into grid 28, and it came back 186
+// degrees off). The zone text speaks of the position as it stands: its band letter
+// follows a northing just set.
+TEST(UtmZones, ANewGridForgetsTheForcedZoneAndTheTextFollowsThePoint) {
+  KxPosition p = At(60, 15, 1);
+  Position_SetZone(p, 32);
+  EXPECT_EQ(Read(p).zone, "32V");
+  Position_SetGrid(p, 28);
+  const Grid g = Read(p);
+  EXPECT_EQ(g.zone, "33V");
+  const kxtest::Back back = FromGrid(p, g);
+  EXPECT_NEAR(back.latitude, 60, 1e-7);  // through ED50 and back
+  EXPECT_NEAR(back.longitude, 15, 1e-7);
+
+  KxPosition south = At(-30, 15, 1);
+  const Grid there = Read(south);
+  Position_SetNorthing(p, &there.northing);  // p is in zone 33 too, now at 30 degrees south
+  EXPECT_EQ(Read(p).zone, "33J");
+  double lat = 0;
+  Position_GetLatitudeDecDeg(p, &lat);
+  EXPECT_NEAR(lat, -30, 0.01);
+  for (KxPosition x : {p, south}) Position_Delete(x);
+}
+
 TEST(GaussKrueger, ZoneKHasItsCentralMeridianAt3K) {
   KxPosition p = At(51, 10.5, 29, 18);
   const Grid g = Read(p);
@@ -133,6 +158,35 @@ TEST(ProjectionFrame, AlgorithmsOneAndThreeAreOneTransverseMercator) {
   KxPosition utm = At(48, 11, 1);
   EXPECT_EQ(Read(utm).easting, results[0].easting);  // zone 32 is the same grid
   Position_Delete(utm);
+}
+
+// Easting and northing whose inverse is no point on the earth: a latitude beyond a pole
+// (900 degrees once), a footpoint more than half a meridian up, or no number. An error
+// in every grid, also where a datum shift would have folded the latitude into a
+// plausible one (grid 3, 28); the edge of the earth itself still converts.
+TEST(ProjectionFrame, AnInverseThatLeavesTheEarthIsAnError) {
+  const struct {
+    short grid, zone;
+    double easting, northing;
+  } beyond[] = {{1, 33, 500000, 99999999},  {1, 33, 500000, -99999999}, {1, 33, 500000, 10500000},
+                {28, 33, 1400000, 9900000}, {3, 0, 400000, 1e8},        {21, 0, 2e9, 6e6}};
+  for (const auto& c : beyond) {
+    KxPosition p = Make({10, 20, 1, c.grid, c.zone});
+    Position_SetEasting(p, &c.easting);
+    Position_SetNorthing(p, &c.northing);
+    double lat = 0, lon = 0;
+    Position_GetLatitudeDecDeg(p, &lat);
+    EXPECT_EQ(Failure(Position_GetErrHandle(p)), "10003 Position outside grid") << c.grid;
+    Position_GetLongitudeDecDeg(p, &lon);
+    EXPECT_EQ(Failure(Position_GetErrHandle(p)), "10003 Position outside grid") << c.grid;
+    EXPECT_EQ(lat, 10.0);  // the values from before stand
+    Position_Delete(p);
+  }
+  KxPosition pole = At(90, 15, 1);
+  const kxtest::Back back = FromGrid(pole, Read(pole));
+  EXPECT_EQ(back.failure, "0");
+  EXPECT_NEAR(back.latitude, 90, 1e-9);
+  Position_Delete(pole);
 }
 
 // Key 5001 runs the Swiss algorithm in both tables; PROJ has no twin, so the round trip

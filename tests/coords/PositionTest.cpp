@@ -1,6 +1,7 @@
 // Position through its exported functions: forms of an angle, states, datum and grid.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <string>
 #include <thread>
@@ -132,7 +133,36 @@ TEST_F(PositionTest, SecondsRoundToAThousandthAndCarryIntoMinutesAndDegrees) {
   EXPECT_EQ(m, 0);
   EXPECT_EQ(s, 0.0);
   SetLatDMS(10, 0, 59.999, u"S");
-  EXPECT_EQ(LatText(0), "10 0'60.00 S");  // 59.999 + 0.0005 stays below 60
+  EXPECT_EQ(LatText(0), "10 1'0.00 S");  // "%.2f" reaches 60: the minute carries
+}
+
+// A latitude of 59 59.99999 S from a receiver keeps 59.9994 seconds, whose texts round
+// to a whole degree: "6000.00000" and "60 0'0.00 S", never a 60 in minutes or seconds.
+TEST(PositionText, ATextWhoseRoundingReachesSixtyCarries) {
+  const std::string body = "GPGGA,123519,5959.99999,S,00909.99999,E,1,08,0.9,545.4,M,46.9,M,,";
+  unsigned sum = 0;
+  for (char c : body) sum ^= static_cast<unsigned char>(c);
+  char tail[8];
+  std::snprintf(tail, sizeof tail, "*%02X\r\n", sum);
+  const std::string line = "$" + body + tail;
+  KxNmeaParser parser = NmeaParser_New();
+  NmeaParser_SetNoEvents(parser, 1);
+  NmeaParser_Parse(parser, std::u16string(line.begin(), line.end()).c_str());
+  KxGpsFix fix = NmeaParser_GetGpsFix(parser, 0, 0);
+  ASSERT_NE(fix, nullptr);
+  KxPosition p = GpsFix_GetPosition(fix);
+  auto text = [p](bool latitude, short format) {
+    BSTR t = nullptr;
+    (latitude ? Position_GetLatitudeString : Position_GetLongitudeString)(p, &t, format);
+    return Take(t);
+  };
+  EXPECT_EQ(text(true, 1), "6000.00000");
+  EXPECT_EQ(text(true, 0), "60 0'0.00 S");
+  EXPECT_EQ(text(false, 1), "00910.00000");  // and the minutes keep two digits
+  EXPECT_EQ(text(false, 0), "9 10'0.00 E");
+  Position_Delete(p);
+  GpsFix_Delete(fix);
+  NmeaParser_Delete(parser);
 }
 
 TEST_F(PositionTest, AngleTextsInDisplayAndNmeaForms) {
@@ -447,6 +477,29 @@ TEST(PositionThreads, TwoThreadsWriteAndReadOnePosition) {
   double lat = 0;
   Position_GetLatitudeDecDeg(shared, &lat);
   EXPECT_TRUE(std::fabs(lat - 10.1999) < 1e-9 || std::fabs(lat - 20.1999) < 1e-9) << lat;
+  Position_Delete(shared);
+}
+
+// Zone texts handed out while another thread reads them: each caller gets a text of its
+// own to free, never the one the position keeps.
+TEST(PositionThreads, TwoThreadsReadingTheZoneTextEachFreeTheirOwn) {
+  KxPosition shared = Position_New();
+  const double lat = 60, lon = 15;
+  Position_SetGrid(shared, 1);
+  Position_SetLatitudeDecDeg(shared, &lat);
+  Position_SetLongitudeDecDeg(shared, &lon);
+  std::atomic<int> wrong{0};
+  auto reader = [&] {
+    for (int i = 0; i < 100000; ++i) {
+      BSTR text = nullptr;
+      Position_GetZone(shared, &text);
+      if (Take(text) != "33V") ++wrong;
+    }
+  };
+  std::thread a(reader), b(reader);
+  a.join();
+  b.join();
+  EXPECT_EQ(wrong, 0);
   Position_Delete(shared);
 }
 

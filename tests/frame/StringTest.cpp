@@ -87,8 +87,14 @@ TEST(String, AngleTextRoundsAndCarries) {
   EXPECT_EQ(Angle(7, 5, 30, 'E', 2), "00705.50001");
   EXPECT_EQ(Angle(59, 18, 7.25, 'N', 0), "59 18'7.25 N");
   EXPECT_EQ(Angle(59, 18, 7.25, 'N', 1), "5918.12084");
-  // 59.999 + 0.0005 stays below 60: no carry, and "%.2f" shows 60.00.
-  EXPECT_EQ(Angle(10, 20, 59.999, 'S', 0), "10 20'60.00 S");
+  // 59.999 + 0.0005 stays below 60, but "%.2f" would show 60.00: the display form
+  // carries by its own rounding, and so do the minutes of the NMEA forms.
+  EXPECT_EQ(Angle(10, 20, 59.999, 'S', 0), "10 21'0.00 S");
+  EXPECT_EQ(Angle(10, 59, 59.999, 'S', 0), "11 0'0.00 S");
+  EXPECT_EQ(Angle(10, 20, 59.994, 'S', 0), "10 20'59.99 S");
+  EXPECT_EQ(Angle(59, 59, 59.9994, 'S', 1), "6000.00000");
+  EXPECT_EQ(Angle(9, 9, 59.9994, 'E', 2), "00910.00000");
+  EXPECT_EQ(Angle(9, 9, 59.999, 'E', 2), "00909.99999");
   EXPECT_EQ(Angle(18, 1, 0, 'E', 2), "01801.00001");  // the 0.0005 s shows
   // Carried minutes always take two digits.
   EXPECT_EQ(Angle(5, 8, 59.9999, 'N', 1), "0509.00000");

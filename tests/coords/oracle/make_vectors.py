@@ -17,8 +17,14 @@ the others, plus
 0.15 mm on the zero-shift GRS 80 datums 2, 11, 14 and 19, where PROJ skips the
 geocentric round trip that the library makes.
 
-Run from this folder: ./make_vectors.py > vectors.txt (needs proj-bin), and
-./make_vectors.py --datums > datum_vectors.txt for the datum shifts alone.
+Run from this folder: ./make_vectors.py > vectors.txt (needs proj-bin),
+./make_vectors.py --datums > datum_vectors.txt for the datum shifts alone, and
+./make_vectors.py --custom > custom_vectors.txt for the CustomGrid cases, one line per
+point with the grid's parameters first (degrees and metres):
+
+    algorithm FE FN lon0 lat0 k0 sp1 sp2 datum latitude longitude easting northing tolerance_mm
+
+with latitude and longitude in that datum.
 """
 import math
 import re
@@ -77,9 +83,9 @@ def projection_terms(alg, fe, fn, lon0, lat0, k0, sp1, sp2):
     raise ValueError(alg)
 
 
-def cs2cs(target, points):
+def cs2cs(target, points, source=SOURCE):
     text = "".join(f"{lon!r} {lat!r}\n" for lat, lon in points)
-    out = subprocess.run(["cs2cs", "-f", "%.6f", SOURCE, "+to", target + " +no_defs"],
+    out = subprocess.run(["cs2cs", "-f", "%.6f", source, "+to", target + " +no_defs"],
                          input=text, capture_output=True, text=True, check=True).stdout
     return [tuple(float(v) for v in line.split()[:2]) for line in out.splitlines()]
 
@@ -165,6 +171,29 @@ def datum_vectors():
     print("\n".join(lines))
 
 
+# Grids that no catalogue row has, given as CustomGrid parameters: the Lambert cones
+# whose standard parallels lie south of the equator (n < 0), on GDA94 and on AGD. The
+# points are in the grid's own datum, so that both directions test the projection alone.
+CUSTOM_GRIDS = [
+    # Geoscience Australia Lambert (EPSG 3112)
+    ((5, 0.0, 0.0, 134.0, 0.0, 1.0, -18.0, -36.0), 11, (-44, -10, 112, 154)),
+    # Vicgrid66 (EPSG 3110), with its false origin south of the equator
+    ((5, 2500000.0, 4500000.0, 145.0, -37.0, 1.0, -36.0, -38.0), 10, (-39.2, -34, 140.9, 150)),
+]
+
+
+def custom_vectors():
+    print(f"# made by make_vectors.py --custom with {proj_version()}")
+    for params, datum, (lat0, lat1, lon0, lon1) in CUSTOM_GRIDS:
+        points = spread(lat0, lat1, lon0, lon1) + beyond(lat0, lat1, lon0, lon1)
+        terms = datum_terms(datum)
+        target = projection_terms(*params) + " " + terms
+        source = f"+proj=longlat {terms} +no_defs"
+        head = " ".join(repr(v) for v in params)
+        for (lat, lon), (e, n) in zip(points, cs2cs(target, points, source)):
+            print(f"{head} {datum} {lat!r} {lon!r} {e:.6f} {n:.6f} 0.01")
+
+
 def proj_version():
     return subprocess.run(["cs2cs"], capture_output=True, text=True).stderr.splitlines()[0]
 
@@ -172,6 +201,8 @@ def proj_version():
 def main():
     if sys.argv[1:] == ["--datums"]:
         return datum_vectors()
+    if sys.argv[1:] == ["--custom"]:
+        return custom_vectors()
     print(f"# made by make_vectors.py with {proj_version()}")
     for grid_id, (lat0, lat1, lon0, lon1) in AREAS.items():
         row = GRIDS[grid_id]
