@@ -237,6 +237,23 @@ TEST(ShapeModel, PositionsComeInThroughTheTemplateAndOutAsOneObject) {
   for (KxShape k : {s, utm, none}) Shape_Delete(k);
 }
 
+// A part of 170 nodes, its first 70 deleted, leaves one full block of 100; a node
+// inserted in its upper half must find a slot when the block splits.
+TEST(ShapeModel, InsertingIntoALoneFullBlockOfNodesKeepsEveryNode) {
+  KxShape s = Shape_New();
+  for (int k = 0; k < 170; ++k) AddNode(s, {double(k), 0});
+  Shape_SetNodeIndex(s, 0);
+  for (int k = 0; k < 70; ++k) Shape_DeleteNode(s);
+  Shape_NewNode(s, 60);
+  EXPECT_EQ(ErrorOf(s), "0");
+  SetX(s, -1);
+  Part expected;
+  for (int k = 70; k < 170; ++k) expected.push_back({double(k), 0});
+  expected.insert(expected.begin() + 60, Node{-1, 0});
+  EXPECT_EQ(ReadShape(s), std::vector<Part>{expected});
+  Shape_Delete(s);
+}
+
 TEST(ShapeModel, PropertiesRaiseModifiedCountOnlyWhenTheyChange) {
   KxShape s = Shape_New();
   const int start = Shape_GetModifiedCount(s);
