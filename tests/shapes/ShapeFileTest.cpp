@@ -53,6 +53,50 @@ Box FileBounds(KxShapeFile file) {
   return b;
 }
 
+std::vector<uint8_t> Bytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+int32_t Big(const std::vector<uint8_t>& b, size_t at) {
+  return int32_t(uint32_t(b[at]) << 24 | uint32_t(b[at + 1]) << 16 | uint32_t(b[at + 2]) << 8 |
+                 b[at + 3]);
+}
+
+int32_t Little(const std::vector<uint8_t>& b, size_t at) {
+  return int32_t(uint32_t(b[at + 3]) << 24 | uint32_t(b[at + 2]) << 16 | uint32_t(b[at + 1]) << 8 |
+                 b[at]);
+}
+
+// What shapelib and GDAL need of a pair of files, which they check before they read a
+// record: headers that give the files' lengths, an index entry for each record of the
+// main file and nothing else, and in each record of parts, part starts that rise from 0
+// and stay below the node count. Empty when the pair is whole.
+std::string PairProblem(const std::string& base, const std::string& shp = ".shp",
+                        const std::string& shx = ".shx") {
+  const std::vector<uint8_t> main = Bytes(base + shp), index = Bytes(base + shx);
+  if (main.size() < 100 || index.size() < 100) return "a file without its header";
+  if (size_t(2 * Big(main, 24)) != main.size()) return "main length";
+  if (size_t(2 * Big(index, 24)) != index.size()) return "index length";
+  size_t at = 100, entry = 100;
+  for (; at + 8 <= main.size(); at += 8 + 2 * size_t(Big(main, at + 4)), entry += 8) {
+    if (entry + 8 > index.size()) return "a record without an index entry";
+    if (size_t(2 * Big(index, entry)) != at || Big(index, entry + 4) != Big(main, at + 4))
+      return "index entry " + std::to_string((entry - 100) / 8);
+    const int32_t type = Little(main, at + 8);
+    if (type != 3 && type != 5 && type != 13 && type != 15 && type != 23 && type != 25) continue;
+    const int32_t parts = Little(main, at + 44), nodes = Little(main, at + 48);
+    for (int32_t p = 0; p < parts; ++p) {
+      const int32_t start = Little(main, at + 52 + 4 * size_t(p));
+      const int32_t previous = p ? Little(main, at + 48 + 4 * size_t(p)) : -1;
+      if ((p == 0 && start != 0) || start <= previous || start >= nodes)
+        return "part start " + std::to_string(p);
+    }
+  }
+  if (at != main.size()) return "a record beyond the end";
+  return entry == index.size() ? "" : "index entries without records";
+}
+
 const Part kSquare = {{0, 0, 1, 2}, {0, 10, 3, 4}, {10, 10, 5, 6}, {10, 0, 7, 8}, {0, 0, 1, 2}};
 const Part kHole = {{2, 2}, {8, 2}, {8, 8}, {2, 8}, {2, 2}};
 
@@ -285,6 +329,33 @@ TEST(ShapeFile, ZAndMFollowTheRecordLengthAndTheHeaderRange) {
   const FileContents holes = ReadFile(DataFile("good/postgis/Polygon"));
   ASSERT_EQ(holes.shapes[0].size(), 4u);  // the second part starts at its own index
   EXPECT_EQ(holes.shapes[0][1][0], (Node{5, 5}));
+}
+
+// A part left empty (made and never filled, cleared, or its nodes deleted) is no part of
+// the record: a part start at the node count, or two parts at one start, make shapelib
+// and GDAL refuse the record. A shape whose parts are all empty is a null record.
+TEST(ShapeFile, EmptyPartsAreLeftOutOfWrittenRecords) {
+  TempDirectory dir;
+  KxShapeFile file = ShapeFile_New();
+  ShapeFile_SetShapeFileType(file, 15);
+  ShapeFile_Open(file, Wide(dir / "e").c_str(), KX_SHAPEFILE_CREATE);
+  KxShape shapes[] = {MakeShape({{}, kSquare, {}, {}, kHole, {}}),
+                      MakeShape({{{1, 1}}, {{2, 2}, {3, 3}}}), MakeShape({{{4, 4}}})};
+  Shape_SetPartIndex(shapes[1], 0);
+  Shape_DeleteNode(shapes[1]);   // the first part loses its only node
+  Shape_NewPart(shapes[2], -1);  // and a part without nodes stands last
+  for (KxShape shape : shapes) ShapeFile_Write(file, shape);
+  Shape_SetPartIndex(shapes[2], 0);
+  Shape_ClearPart(shapes[2]);  // two parts, neither with a node
+  ShapeFile_Write(file, shapes[2]);
+  EXPECT_EQ(ErrorOf(file), "0");
+  ShapeFile_Delete(file);
+  for (KxShape shape : shapes) Shape_Delete(shape);
+  EXPECT_EQ(PairProblem(dir / "e"), "");
+  const FileContents contents = ReadFile(dir / "e", false);
+  const std::vector<std::vector<Part>> expected = {
+      {kSquare, kHole}, {{{2, 2}, {3, 3}}}, {{{4, 4}}}, {}};
+  EXPECT_EQ(contents.shapes, expected);
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 #!/bin/sh
 # Files that the library writes, read by shapelib (shpdump) and by GDAL (ogrinfo): every
 # good file of tests/data/shp with an index is copied with `kestrix shp copy`, and both
-# readers must see the same records in the copy as in the original. Run by hand with
+# readers must see the same records in the copy as in the original. Last, records with
+# empty parts, which the library reads, are written without them. Run by hand with
 # shapelib and gdal-bin installed; its report is checked in as written_files.txt.
 #   tests/shapes/oracle/check_written_files.sh build/kestrix > tests/shapes/oracle/written_files.txt
 set -u
@@ -45,3 +46,32 @@ for shp in "$data"/*/*.shp; do
   fi
 done
 echo "$same files: shapelib and GDAL read the copy as the original"
+
+# PolyLine records with a part that has no nodes: in the middle, first, and last (a part
+# start at the node count). shapelib and GDAL refuse these; the library reads them and
+# leaves the empty parts out of what it writes.
+python3 - "$work/parts.shp" <<'PYTHON'
+import struct, sys
+records = [([0, 2, 2], [(0, 0), (1, 1), (2, 2), (3, 3)]),
+           ([0, 0], [(5, 5), (6, 6), (7, 7)]),
+           ([0, 2], [(8, 8), (9, 9)])]
+body, index, at = b"", b"", 100
+for number, (starts, points) in enumerate(records, 1):
+    xs, ys = [p[0] for p in points], [p[1] for p in points]
+    content = struct.pack("<i4d2i", 3, min(xs), min(ys), max(xs), max(ys), len(starts), len(points))
+    content += struct.pack("<%di" % len(starts), *starts)
+    content += b"".join(struct.pack("<2d", *p) for p in points)
+    body += struct.pack(">2i", number, len(content) // 2) + content
+    index += struct.pack(">2i", at // 2, len(content) // 2)
+    at += 8 + len(content)
+def header(length):
+    return struct.pack(">7i", 9994, 0, 0, 0, 0, 0, length // 2) + struct.pack("<2i8d", 1000, 3, 0, 0, 9, 9, 0, 0, 0, 0)
+name = sys.argv[1]
+open(name, "wb").write(header(100 + len(body)) + body)
+open(name[:-1] + "x", "wb").write(header(100 + len(index)) + index)
+PYTHON
+"$kestrix" shp copy "$work/parts.shp" "$work/parts_copy.shp"
+echo "records with empty parts, as shapelib reads the copy:"
+shpdump "$work/parts_copy.shp" 2>&1 | grep -E '^Shape:|Corrupt|rror'
+echo "and as GDAL reads it:"
+ogrinfo -ro -al -q -geom=ISO_WKT "$work/parts_copy.shp" 2>&1 | grep -E '^  [A-Z]+ |ERROR'
