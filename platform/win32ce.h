@@ -140,7 +140,9 @@ constexpr DWORD CREATE_NEW = 1;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
 constexpr DWORD OPEN_ALWAYS = 4;
+constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 16;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 128;
+constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu;
 constexpr DWORD FILE_BEGIN = 0;
 constexpr DWORD FILE_CURRENT = 1;
 constexpr DWORD FILE_END = 2;
@@ -158,6 +160,8 @@ BOOL WriteFile(HANDLE file, LPCVOID data, DWORD count, DWORD* written, OVERLAPPE
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD moveMethod);
 BOOL FlushFileBuffers(HANDLE file);
 BOOL DeleteFileW(LPCWSTR name);
+// INVALID_FILE_ATTRIBUTES, with the last error, when nothing stands under the name.
+DWORD GetFileAttributesW(LPCWSTR name);
 
 // ---- serial ports -------------------------------------------------------------------------
 // A port opened by CreateFileW("COMn:") answers these besides ReadFile and WriteFile.

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "frame/BaseObject.h"
@@ -48,9 +49,11 @@ class ShapeFile : public BaseObject {
   void SetReadOnly(bool readOnly);
 
  private:
-  bool SplitName(const String* name, Ref<String>& base);
-  bool OpenMain(const String* base, int32_t mode);
-  void OpenIndex(const String* base, int32_t mode);
+  bool SplitName(const String* name, Ref<String>& base, std::string& extension);
+  bool OpenMain(const String* fileName, int32_t mode);
+  void OpenIndex(const String* fileName, int32_t mode);
+  bool IndexDescribesMain();
+  void RebuildIndex(const String* fileName);
   void StartEmptyFiles();
   bool ReadMainHeader();
   void ReadIndexHeader();

@@ -358,4 +358,87 @@ TEST(ShapeFile, EmptyPartsAreLeftOutOfWrittenRecords) {
   EXPECT_EQ(contents.shapes, expected);
 }
 
+// A .shp without its .shx is common: in update mode the index is made from the main
+// file's records before anything is appended, so that the pair is whole after every
+// record, and merely opening and closing leaves a whole pair too. So does an index that
+// ends short of the records, and a main file refused in update mode leaves no index.
+TEST(ShapeFile, UpdateModeMakesAMissingOrShortIndexFromTheRecords) {
+  TempDirectory dir;
+  const std::string base = dir / "u";
+  WriteFile(base, 3, {{{{1, 1}, {2, 2}}}, {}, {{{3, 3}, {4, 4}}}}, {1, 2, 3});
+  const std::vector<uint8_t> written = Bytes(base + ".shx");
+  std::filesystem::remove(base + ".shx");
+  ShapeFile_Delete(OpenShapeFile(base, KX_SHAPEFILE_UPDATE));
+  EXPECT_EQ(Bytes(base + ".shx"), written);
+  std::filesystem::resize_file(base + ".shx", written.size() - 8);
+  KxShapeFile file = OpenShapeFile(base, KX_SHAPEFILE_UPDATE);
+  KxShape shape = MakeShape({{{5, 5}, {6, 6}}});
+  Shape_SetShapeID(shape, 4);
+  ShapeFile_Write(file, shape);
+  EXPECT_EQ(PairProblem(base), "");  // whole after each record
+  ShapeFile_Delete(file);
+  std::filesystem::remove(base + ".shx");
+  file = OpenShapeFile(base, KX_SHAPEFILE_UPDATE);
+  ShapeFile_Write(file, shape);
+  ShapeFile_Delete(file);
+  Shape_Delete(shape);
+  EXPECT_EQ(PairProblem(base), "");
+  file = OpenShapeFile(base, KX_SHAPEFILE_READ);
+  ShapeFile_Seek(file, 4);  // through the index
+  EXPECT_EQ(ReadAll(file).ids, (std::vector<int>{4}));
+  ShapeFile_Delete(file);
+  EXPECT_EQ(ReadFile(base).ids, (std::vector<int>{1, 2, 3, 4, 4}));
+
+  std::ofstream(dir / "junk.shp") << std::string(200, 'j');
+  EXPECT_EQ(OpenFailure(dir / "junk", KX_SHAPEFILE_UPDATE), "10003 Unknown shape type.");
+  EXPECT_FALSE(std::filesystem::exists(dir / "junk.shx"));
+}
+
+// Names find existing files whatever the case of their extension, as on the device, and
+// the index goes with its main file; a new file takes the name as it was asked for.
+TEST(ShapeFile, ExtensionsInAnyCaseFindTheExistingFiles) {
+  TempDirectory dir;
+  WriteFile(dir / "up", 1, {{{{1, 2}}}, {{{3, 4}}}}, {1, 2});
+  std::filesystem::rename(dir / "up.shp", dir / "up.SHP");
+  std::filesystem::rename(dir / "up.shx", dir / "up.SHX");
+  for (const char* name : {"up", "up.shp", "up.SHP", "up.Shp"}) {
+    KxShapeFile file = OpenShapeFile(dir / name, KX_SHAPEFILE_READ);
+    ShapeFile_Seek(file, 1);  // the index was found too
+    EXPECT_EQ(ReadAll(file).ids, (std::vector<int>{2})) << name;
+    ShapeFile_Delete(file);
+  }
+  std::filesystem::rename(dir / "up.SHX", dir / "up.shx");
+  KxShapeFile file = OpenShapeFile(dir / "up", KX_SHAPEFILE_UPDATE);
+  KxShape shape = MakeShape({{{5, 6}}});
+  ShapeFile_Write(file, shape);
+  ShapeFile_Delete(file);
+  EXPECT_EQ(PairProblem(dir / "up", ".SHP", ".shx"), "");
+  EXPECT_FALSE(std::filesystem::exists(dir / "up.shp"));
+  EXPECT_FALSE(std::filesystem::exists(dir / "up.SHX"));
+  WriteFile(dir / "new.SHP", 1, {{{{1, 2}}}}, {1});
+  EXPECT_EQ(PairProblem(dir / "new", ".SHP", ".SHX"), "");
+  WriteFile(dir / "new.shp", 1, {{{{1, 2}}}}, {1});  // the same files, made again
+  EXPECT_FALSE(std::filesystem::exists(dir / "new.shp"));
+  Shape_Delete(shape);
+}
+
+// Offsets are 32-bit: a main file over 2 GiB is refused when it is opened, in every mode,
+// and left as it is. The files are sparse, so the test costs no disk.
+TEST(ShapeFile, AMainFileOverTwoGigabytesIsRefusedAtOpen) {
+  TempDirectory dir;
+  WriteFile(dir / "huge", 1, {{{{1, 2}}}}, {1});
+  const std::string main = dir / "huge.shp";
+  for (uintmax_t size : {uintmax_t(0x80000000), uintmax_t(0x100000010)}) {
+    std::filesystem::resize_file(main, size);
+    for (int mode : {KX_SHAPEFILE_READ, KX_SHAPEFILE_UPDATE}) {
+      KxShapeFile file = OpenShapeFile(dir / "huge", mode);
+      EXPECT_EQ(ErrorOf(file), "10010 Error opening, reading, writing or seeking file") << size;
+      EXPECT_EQ(ShapeFile_Read(file), nullptr);
+      EXPECT_EQ(ErrorOf(file), "10010 Error opening, reading, writing or seeking file");
+      ShapeFile_Delete(file);
+    }
+    EXPECT_EQ(std::filesystem::file_size(main), size);
+  }
+}
+
 }  // namespace

@@ -147,12 +147,19 @@ int ShpCommand::Copy(const ShpOptions& options) {
   // opened.
   OpenFile in(options.copyFrom, KX_SHAPEFILE_READ);
   KxShapeFile source = in.get();
-  OpenFile out(options.copyTo, KX_SHAPEFILE_CREATE);
+  OpenFile out(options.copyTo, options.append ? KX_SHAPEFILE_UPDATE : KX_SHAPEFILE_CREATE);
   if (!out.failure().empty()) {
     std::fprintf(stderr, "%s: %s\n", options.copyTo.c_str(), out.failure().c_str());
     return 2;
   }
-  ShapeFile_SetShapeFileType(out.get(), ShapeFile_GetShapeFileType(source));
+  // A file made now is of type Null until it is told; one with records keeps its type.
+  const int type = ShapeFile_GetShapeFileType(source), held = ShapeFile_GetShapeFileType(out.get());
+  if (options.append && held != 0 && held != type) {
+    std::fprintf(stderr, "%s: holds %s, not %s\n", options.copyTo.c_str(), TypeName(held),
+                 TypeName(type));
+    return 2;
+  }
+  ShapeFile_SetShapeFileType(out.get(), type);
   for (int index = 0;; ++index) {
     KxShape shape = ShapeFile_Read(source);
     if (!shape) {
