@@ -64,6 +64,15 @@ std::string IndexExtensionOf(const String* mainName) {
   return {last[0], last[1], char((last[2] & 0x20) | 'X')};
 }
 
+// Characters from `start` to the end of a name, which holds UTF-8: a byte that continues
+// a character isn't one.
+int32_t CharactersFrom(const String* name, int32_t start) {
+  int32_t characters = 0;
+  for (int32_t i = start; i < name->GetLength(); ++i)
+    if ((static_cast<unsigned char>(name->GetText()[i]) & 0xC0) != 0x80) ++characters;
+  return characters;
+}
+
 }  // namespace
 
 ShapeFile::~ShapeFile() { Close(); }
@@ -118,7 +127,7 @@ bool ShapeFile::SplitName(const String* name, Ref<String>& base, std::string& ex
     extension = "shp";
     return true;
   }
-  if (dot != name->GetLength() - 4) {
+  if (CharactersFrom(name, dot) != 4) {
     SetError(kErrInvalidArgument, kInvalidFileName);
     return false;
   }

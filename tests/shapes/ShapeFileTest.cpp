@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -439,6 +440,31 @@ TEST(ShapeFile, AMainFileOverTwoGigabytesIsRefusedAtOpen) {
     }
     EXPECT_EQ(std::filesystem::file_size(main), size);
   }
+}
+
+// A name reaches the file system as the caller wrote it, in UTF-8, whatever its
+// characters: not cut to 8 bits on the way.
+TEST(ShapeFile, FileNamesReachTheFileSystemAsWritten) {
+  TempDirectory dir;
+  const std::u16string folder = Wide(dir.Path()) + u"/";
+  for (const char16_t* name : {u"\u0416\u043er", u"caf\u00e9", u"map\U0001F5FA"}) {
+    KxShapeFile file = ShapeFile_New();
+    ShapeFile_SetShapeFileType(file, 1);
+    ShapeFile_Open(file, (folder + name + u".shp").c_str(), KX_SHAPEFILE_CREATE);
+    KxShape shape = MakeShape({{{1, 2}}});
+    ShapeFile_Write(file, shape);
+    Shape_Delete(shape);
+    ShapeFile_Open(file, (folder + name).c_str(), KX_SHAPEFILE_READ);
+    EXPECT_EQ(ReadAll(file).ids.size(), 1u);
+    ShapeFile_Delete(file);
+  }
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(dir.Path()))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (std::vector<std::string>{"caf\u00e9.shp", "caf\u00e9.shx", "map\U0001F5FA.shp",
+                                             "map\U0001F5FA.shx", "\u0416\u043er.shp",
+                                             "\u0416\u043er.shx"}));
 }
 
 }  // namespace

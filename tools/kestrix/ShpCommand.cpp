@@ -8,7 +8,42 @@ namespace kestrix {
 
 namespace {
 
-std::u16string Wide(const std::string& bytes) { return std::u16string(bytes.begin(), bytes.end()); }
+// The length of the UTF-8 sequence that `lead` starts, and the bits it carries; 0 for a
+// byte that starts none.
+int SequenceOf(unsigned char lead, char32_t& c) {
+  if (lead < 0x80) return c = lead, 1;
+  if ((lead & 0xE0) == 0xC0) return c = lead & 0x1F, 2;
+  if ((lead & 0xF0) == 0xE0) return c = lead & 0x0F, 3;
+  if ((lead & 0xF8) == 0xF0) return c = lead & 0x07, 4;
+  return 0;
+}
+
+// A file name from the command line, UTF-8, as the wide text that the library takes; a
+// byte that isn't part of UTF-8 stands for the character of its value.
+std::u16string Wide(const std::string& bytes) {
+  std::u16string wide;
+  for (size_t at = 0; at < bytes.size();) {
+    char32_t c;
+    const size_t length = size_t(SequenceOf((unsigned char)bytes[at], c));
+    bool whole = length > 0 && at + length <= bytes.size();
+    for (size_t i = 1; whole && i < length; ++i) {
+      whole = ((unsigned char)bytes[at + i] & 0xC0) == 0x80;
+      c = (c << 6) | ((unsigned char)bytes[at + i] & 0x3F);
+    }
+    if (!whole || c > 0x10FFFF) {
+      wide += char16_t((unsigned char)bytes[at++]);
+      continue;
+    }
+    if (c >= 0x10000) {
+      wide += char16_t(0xD800 + ((c - 0x10000) >> 10));
+      wide += char16_t(0xDC00 + ((c - 0x10000) & 0x3FF));
+    } else {
+      wide += char16_t(c);
+    }
+    at += length;
+  }
+  return wide;
+}
 
 std::string Narrow(BSTR text) {
   std::string out;
