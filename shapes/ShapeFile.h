@@ -29,7 +29,8 @@ class ShapeFile : public BaseObject {
   ShapeFile() = default;
   ~ShapeFile() override;
 
-  // The name with or without ".shp" (any case).
+  // The name with or without ".shp" (any case), in UTF-8. Existing files are found
+  // whatever the case of their extension; in update mode the index is made whole first.
   void Open(const String* name, int32_t mode);
   // Closes both files; nothing remains to be written. The type and ReadOnly stay.
   void Close() override;
