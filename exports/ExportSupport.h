@@ -90,6 +90,9 @@ void HandOut(String* text, BSTR* out);
 // A text argument: a temporary String for the length of the call.
 inline Ref<String> TextIn(const WCHAR* text) { return Ref<String>(new String(text)); }
 
+// A file name argument: as UTF-8, so that the file system receives it unchanged.
+inline Ref<String> NameIn(const WCHAR* name) { return Ref<String>(String::FromWideName(name)); }
+
 }  // namespace kx::exports
 
 // The getter and setter of a double property, Family_GetName and Family_SetName.

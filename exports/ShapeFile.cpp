@@ -20,7 +20,7 @@ KX_API KxError ShapeFile_GetErrHandle(KxShapeFile file) { return ErrorHandleOf(O
 
 KX_API void ShapeFile_Open(KxShapeFile file, const WCHAR* name, int mode) {
   ShapeFile* self = Of(file);
-  Guarded(self, [&] { self->Open(name ? TextIn(name).get() : nullptr, mode); });
+  Guarded(self, [&] { self->Open(NameIn(name).get(), mode); });
 }
 KX_API void ShapeFile_Close(KxShapeFile file) {
   ShapeFile* self = Of(file);

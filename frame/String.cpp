@@ -107,6 +107,17 @@ String::String(const WCHAR* wide) {
 
 String::String(const WCHAR* wide, int32_t length) { AssignWide(wide, length); }
 
+String* String::FromWideName(const WCHAR* wide) {
+  if (!wide) return nullptr;
+  int32_t length = 0;
+  while (wide[length]) ++length;
+  if (length == 0) return new String(wide);
+  const int size = WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr);
+  std::string utf8(size_t(size), '\0');
+  if (size > 0) WideCharToMultiByte(CP_UTF8, 0, wide, length, &utf8[0], size, nullptr, nullptr);
+  return new String(utf8.data(), int32_t(utf8.size()));
+}
+
 void String::AssignWide(const WCHAR* wide, int32_t length) {
   if (!wide || length < 1) return;
   m_text = static_cast<char*>(std::malloc(size_t(length) + 1));

@@ -23,6 +23,10 @@ class String : public BaseObject {
   // Wide text, each character cut to its low byte. Null: the null text.
   explicit String(const WCHAR* wide);
   String(const WCHAR* wide, int32_t length);
+  // A name for the file system, from the caller's wide text: UTF-8, so that every
+  // character reaches the system as the caller wrote it (other text is cut to 8 bits
+  // above). Null: null.
+  static String* FromWideName(const WCHAR* wide);
   // "%d"
   explicit String(int32_t value);
   // "%.<precision>f"; a negative precision is the "%f" form.

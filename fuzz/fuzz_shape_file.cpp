@@ -26,10 +26,15 @@ struct MemoryFile {
 
 MemoryFile files[2];  // .shp, .shx
 
-HANDLE Create(LPCWSTR name, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
+// The index ends in "x", whatever the case.
+MemoryFile& FileOf(LPCWSTR name) {
   size_t length = 0;
   while (name[length]) ++length;
-  MemoryFile& file = files[length > 0 && name[length - 1] == u'x' ? 1 : 0];
+  return files[length > 0 && (name[length - 1] | 0x20) == u'x' ? 1 : 0];
+}
+
+HANDLE Create(LPCWSTR name, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
+  MemoryFile& file = FileOf(name);
   if (!file.present) {
     SetLastError(2);
     return INVALID_HANDLE_VALUE;
@@ -55,7 +60,9 @@ BOOL Write(HANDLE, LPCVOID, DWORD, DWORD* written, OVERLAPPED*) {
 
 DWORD Move(HANDLE handle, LONG distance, LONG*, DWORD method) {
   MemoryFile& file = *static_cast<MemoryFile*>(handle);
-  const int64_t base = method == FILE_BEGIN ? 0 : method == FILE_CURRENT ? file.position : file.size;
+  const int64_t base = method == FILE_BEGIN     ? 0
+                       : method == FILE_CURRENT ? file.position
+                                                : file.size;
   if (base + distance < 0) return INVALID_SET_FILE_POINTER;
   file.position = base + distance;
   return DWORD(file.position);
@@ -65,7 +72,12 @@ BOOL Flush(HANDLE) { return true; }
 BOOL Remove(LPCWSTR) { return false; }
 BOOL Close(HANDLE) { return true; }
 
-const File::SystemCalls kMemoryCalls = {&Create, &Read, &Write, &Move, &Flush, &Remove, &Close};
+DWORD Attributes(LPCWSTR name) {
+  return FileOf(name).present ? FILE_ATTRIBUTE_NORMAL : INVALID_FILE_ATTRIBUTES;
+}
+
+const File::SystemCalls kMemoryCalls = {&Create, &Read,   &Write, &Move,
+                                        &Flush,  &Remove, &Close, &Attributes};
 
 void ReadAll(ShapeFile& file) {
   // Each record takes at least 8 bytes, so a file can't hold more than this many.

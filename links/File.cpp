@@ -29,8 +29,8 @@ const File::SystemCalls& Calls() { return *systemCalls.load(std::memory_order_ac
 }  // namespace
 
 const File::SystemCalls File::kPlatformCalls = {
-    &::CreateFileW,      &::ReadFile,    &::WriteFile,  &::SetFilePointer,
-    &::FlushFileBuffers, &::DeleteFileW, &::CloseHandle};
+    &::CreateFileW,      &::ReadFile,    &::WriteFile,   &::SetFilePointer,
+    &::FlushFileBuffers, &::DeleteFileW, &::CloseHandle, &::GetFileAttributesW};
 
 const File::SystemCalls* File::UseSystemCalls(const SystemCalls* calls) {
   return systemCalls.exchange(calls ? calls : &kPlatformCalls, std::memory_order_acq_rel);
@@ -195,9 +195,12 @@ void File::DropBuffer() {
   SystemSeek(m_bufferFileOffset + m_bufferPosition, FILE_BEGIN);
 }
 
+// Offsets are 32-bit signed: a position the system gives beyond them (a file over 2 GiB)
+// can't be named and fails like any seek, instead of coming back negative.
 int32_t File::SystemSeek(int32_t offset, DWORD origin) {
   const DWORD position = Calls().setFilePointer(m_handle, offset, nullptr, origin);
-  if (position != INVALID_SET_FILE_POINTER) return int32_t(position);
+  if (position != INVALID_SET_FILE_POINTER && position <= DWORD(INT32_MAX))
+    return int32_t(position);
   SetError(kErrFileIO, kFileFailed);
   return -1;
 }
@@ -315,6 +318,12 @@ bool File::Delete(const String* name) {
 bool File::Delete(const String* directory, const String* name) {
   const Ref<String> path(JoinPath(directory, name));
   return Delete(path.get());
+}
+
+bool File::Exists(const String* name) {
+  if (!name) return false;
+  const DWORD attributes = Calls().getFileAttributes(WideName(name).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 String* File::DirectoryOf(const String* path) {

@@ -25,6 +25,7 @@ class File : public BaseObject {
     decltype(&::FlushFileBuffers) flushFileBuffers;
     decltype(&::DeleteFileW) deleteFile;
     decltype(&::CloseHandle) closeHandle;
+    decltype(&::GetFileAttributesW) getFileAttributes;
   };
   static const SystemCalls kPlatformCalls;
   // Puts a table in place for all files and returns the one it replaces; null stands for
@@ -65,6 +66,8 @@ class File : public BaseObject {
   // A null name does nothing.
   bool Delete(const String* name);
   bool Delete(const String* directory, const String* name);
+  // A file (not a directory) stands under the name.
+  static bool Exists(const String* name);
 
   // Up to and with the last "\\"; null for a null path or one without a backslash.
   static String* DirectoryOf(const String* path);

@@ -55,6 +55,8 @@ constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_MORE_DATA = 234;
 constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
+constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
 constexpr DWORD ERROR_KEY_DELETED = 1018;
 constexpr DWORD ERROR_OPERATION_ABORTED = 995;
 constexpr DWORD ERROR_TIMEOUT = 1460;
@@ -140,7 +142,9 @@ constexpr DWORD CREATE_NEW = 1;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
 constexpr DWORD OPEN_ALWAYS = 4;
+constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 16;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 128;
+constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu;
 constexpr DWORD FILE_BEGIN = 0;
 constexpr DWORD FILE_CURRENT = 1;
 constexpr DWORD FILE_END = 2;
@@ -158,6 +162,20 @@ BOOL WriteFile(HANDLE file, LPCVOID data, DWORD count, DWORD* written, OVERLAPPE
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD moveMethod);
 BOOL FlushFileBuffers(HANDLE file);
 BOOL DeleteFileW(LPCWSTR name);
+// INVALID_FILE_ATTRIBUTES, with the last error, when nothing stands under the name.
+DWORD GetFileAttributesW(LPCWSTR name);
+
+// ---- text ---------------------------------------------------------------------------------
+// Only the UTF-8 code page is used: names reach the file system as their caller wrote
+// them. A length of -1 takes the text with its NUL; a size of 0 asks for the length
+// needed. 0 on failure: ERROR_NO_UNICODE_TRANSLATION for bytes that aren't UTF-8 under
+// MB_ERR_INVALID_CHARS (without it they come out as U+FFFD), ERROR_INSUFFICIENT_BUFFER.
+constexpr UINT CP_UTF8 = 65001;
+constexpr DWORD MB_ERR_INVALID_CHARS = 8;
+int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideLength, char* bytes,
+                        int size, const char* defaultChar, BOOL* usedDefaultChar);
+int MultiByteToWideChar(UINT codePage, DWORD flags, const char* bytes, int length, WCHAR* wide,
+                        int size);
 
 // ---- serial ports -------------------------------------------------------------------------
 // A port opened by CreateFileW("COMn:") answers these besides ReadFile and WriteFile.

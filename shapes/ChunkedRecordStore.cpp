@@ -106,6 +106,15 @@ int32_t ChunkedRecordStore::NextChunkCapacity() const {
   }
 }
 
+// The chunk that takes the upper half of a split: the capacity of its place in the list,
+// but never less than the half it takes and the new record. A chunk of 100 that stands
+// alone (its neighbours emptied by removals) would otherwise hand 50 records to a second
+// chunk of 50, which then has no slot for a record that belongs among them.
+int32_t ChunkedRecordStore::SplitCapacity(const RecordChunk& full) const {
+  const int32_t moved = full.GetCount() - full.GetCapacity() / 2;
+  return std::max(NextChunkCapacity(), moved + 1);
+}
+
 // Takes over the caller's reference; on failure the chunk is given up.
 bool ChunkedRecordStore::InsertChunk(int32_t place, RecordChunk* chunk) {
   try {
@@ -172,9 +181,10 @@ void ChunkedRecordStore::Insert(int32_t index, const void* record) {
   if (chunk->FreeSlots() > 0) {
     m_cursorPosition = position;
   } else {
-    RecordChunk* fresh = NewChunk(NextChunkCapacity());
+    const bool append = position == chunk->GetCapacity();
+    RecordChunk* fresh = NewChunk(append ? NextChunkCapacity() : SplitCapacity(*chunk));
     if (!fresh || !InsertChunk(m_cursorChunk + 1, fresh)) return;
-    if (position == chunk->GetCapacity())
+    if (append)
       PlaceCursor(m_cursorChunk + 1, 0, 0);  // an append moves nothing
     else
       SplitInto(chunk, fresh, position);

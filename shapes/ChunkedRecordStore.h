@@ -47,6 +47,7 @@ class ChunkedRecordStore : public BaseObject {
   RecordChunk* NewChunk(int32_t capacity);
   // The first, the second, then every later chunk has its own capacity.
   int32_t NextChunkCapacity() const;
+  int32_t SplitCapacity(const RecordChunk& full) const;
   bool InsertChunk(int32_t place, RecordChunk* chunk);
   void SplitInto(RecordChunk* full, RecordChunk* fresh, int32_t position);
   bool CheckRecord(const void* record);

@@ -66,15 +66,29 @@ void Shape::NewNode(int32_t index) {
   }
   Commit();
   // The working values stay: a new node holds the values of the one that was active.
+  // When that node is in this part, the values are in the bounds already, and as long
+  // as that node keeps them, a value set here only widens the bounds (fresh). Otherwise
+  // the values may be left over from a node that is gone (the part was emptied, the
+  // only node deleted): this node brings them into the bounds, and leaving them is
+  // tracked as a change of any node.
+  const bool inherited = RefreshPartNodeCount() > 0;
   int32_t placed;
   if (!InsertNode(index, NodeRecord{m_nextNodeId, 0, 0, 0, 0, 0}, placed)) return;
   m_workingNodeId = m_nextNodeId++;
   m_nodeIndex = placed;
   m_empty = false;
   m_dirty = true;
-  m_fresh = true;
+  m_fresh = inherited;
   ++m_totalNodeCount;
   ++m_partNodeCount;
+  if (!inherited) {
+    for (Dimension d : {kX, kY, kZ, kM}) {
+      if (m_totalNodeCount == 1)
+        TakeFirstValue(d, m_value[d]);
+      else
+        Widen(d, m_value[d]);
+    }
+  }
   Changed();
 }
 
@@ -235,8 +249,10 @@ bool Shape::TouchesBounds(int32_t part) const {
   return touches;
 }
 
-// Empties the active part of a shape with other parts.
+// Empties the active part of a shape with other parts. The working node goes to storage
+// first, so that a value moved onto a bound counts among the part's.
 void Shape::ClearActivePart() {
+  Commit();
   const bool touched = TouchesBounds(m_partIndex);
   ChunkedRecordStore* store = ActiveStore();
   const int32_t removed = store->GetCount();
@@ -303,6 +319,7 @@ void Shape::DeletePart() {
   }
   if (!m_partActive) return;
   const int32_t going = m_partIndex;
+  Commit();  // the working node's values are the part's too
   const bool touched = TouchesBounds(going);
   const int32_t removed = m_parts[going]->GetCount();
   const bool last = going == int32_t(m_parts.size()) - 1;
@@ -489,12 +506,14 @@ void Shape::FixedNodeCount(int32_t part, int32_t nodes) {
     return;
   }
   delete[] slot.nodes;
-  m_totalNodeCount -= slot.count;
+  const int32_t dropped = slot.count;
+  m_totalNodeCount -= dropped;
   slot = FixedPart{0, nodes, array};
   m_partIndex = part;
   m_partActive = true;
   m_nodeIndex = 0;
   m_partNodeCount = 0;
+  if (dropped > 0) RecomputeBounds();  // the slot's nodes went with it
   Changed();
 }
 

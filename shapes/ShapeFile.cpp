@@ -28,8 +28,49 @@ int16_t FileModeOf(int32_t mode) {
                                       : File::kUpdate;
 }
 
-Ref<String> WithExtension(const String* base, const char* extension) {
-  return Ref<String>(new String(base, Ref<String>(new String(extension)).get()));
+Ref<String> WithExtension(const String* base, const std::string& extension) {
+  return Ref<String>(new String(base, Ref<String>(new String(("." + extension).c_str())).get()));
+}
+
+// The extension with the case of each letter taken from `mask`, bit 0 for the first.
+std::string InCase(const std::string& extension, int mask) {
+  std::string cased = extension;
+  for (size_t i = 0; i < cased.size(); ++i) {
+    const char c = char(cased[i] | 0x20);
+    cased[i] = mask & (1 << i) ? char(c & ~0x20) : c;
+  }
+  return cased;
+}
+
+// The name of the file with this base and extension that stands there, whatever the
+// case of its extension, the case asked for first: the files of a device, which finds
+// names without regard to case, open here too. None there: the name as asked, which is
+// what a new file is called.
+Ref<String> ExistingOrAsked(const String* base, const std::string& asked) {
+  Ref<String> name = WithExtension(base, asked);
+  if (File::Exists(name.get())) return name;
+  for (int mask = 0; mask < 8; ++mask) {
+    const std::string cased = InCase(asked, mask);
+    if (cased == asked) continue;
+    Ref<String> other = WithExtension(base, cased);
+    if (File::Exists(other.get())) return other;
+  }
+  return name;
+}
+
+// The index's extension in the case of the main file's: "SHP" gives "SHX".
+std::string IndexExtensionOf(const String* mainName) {
+  const char* last = mainName->GetText() + mainName->GetLength() - 3;
+  return {last[0], last[1], char((last[2] & 0x20) | 'X')};
+}
+
+// Characters from `start` to the end of a name, which holds UTF-8: a byte that continues
+// a character isn't one.
+int32_t CharactersFrom(const String* name, int32_t start) {
+  int32_t characters = 0;
+  for (int32_t i = start; i < name->GetLength(); ++i)
+    if ((static_cast<unsigned char>(name->GetText()[i]) & 0xC0) != 0x80) ++characters;
+  return characters;
 }
 
 }  // namespace
@@ -38,19 +79,26 @@ ShapeFile::~ShapeFile() { Close(); }
 
 // ---- opening and closing -------------------------------------------------------------
 
+// The index is opened once the main file's header has passed: a file refused in update
+// mode leaves no index behind. In update mode an index that doesn't describe the main
+// file's records (none, empty, refused, or ending elsewhere) is made again from them
+// before anything is appended, so that the pair is whole after every record.
 void ShapeFile::Open(const String* name, int32_t mode) {
   ClearError();
   Ref<String> base;
-  if (!SplitName(name, base)) return;
+  std::string extension;
+  if (!SplitName(name, base, extension)) return;
   if (mode < kRead || mode > kUpdate) {
     SetError(kErrInvalidState, kIllegalOperation);
     return;
   }
   Close();
-  if (!OpenMain(base.get(), mode)) return;
+  const Ref<String> mainName = ExistingOrAsked(base.get(), extension);
+  if (!OpenMain(mainName.get(), mode)) return;
   m_baseName = base;
-  OpenIndex(base.get(), mode);
+  const Ref<String> indexName = ExistingOrAsked(base.get(), IndexExtensionOf(mainName.get()));
   if (mode == kCreate || (mode == kUpdate && m_mainSize == 0)) {
+    OpenIndex(indexName.get(), mode);
     StartEmptyFiles();
     return;
   }
@@ -59,24 +107,27 @@ void ShapeFile::Open(const String* name, int32_t mode) {
     return;
   }
   m_readPosition = shp::kHeaderBytes;
+  OpenIndex(indexName.get(), mode);
   if (m_indexOpen) ReadIndexHeader();
+  if (mode == kUpdate && !IndexDescribesMain()) RebuildIndex(indexName.get());
 }
 
-// The name is the base name as it stands, or that with ".shp" in any case. Only a "."
-// in the file name counts: one in a directory's name is no extension.
-bool ShapeFile::SplitName(const String* name, Ref<String>& base) {
+// The name is the base name as it stands, or that with ".shp" in any case, which is the
+// extension asked for. Only a "." in the file name counts: one in a directory's name is
+// no extension.
+bool ShapeFile::SplitName(const String* name, Ref<String>& base, std::string& extension) {
   if (!name || name->GetLength() == 0) {
     SetError(kErrInvalidArgument, kInvalidFileName);
     return false;
   }
-  const int32_t length = name->GetLength();
   const int32_t dot = name->ReverseFind(".", -1);
   const int32_t separator = std::max(name->ReverseFind("/", -1), name->ReverseFind("\\", -1));
   if (dot < 0 || dot < separator) {
     base = Ref<String>::Share(const_cast<String*>(name));
+    extension = "shp";
     return true;
   }
-  if (dot != length - 4) {
+  if (CharactersFrom(name, dot) != 4) {
     SetError(kErrInvalidArgument, kInvalidFileName);
     return false;
   }
@@ -85,13 +136,14 @@ bool ShapeFile::SplitName(const String* name, Ref<String>& base) {
     return false;
   }
   base = Ref<String>(name->Mid(0, dot));
+  extension.assign(name->GetText() + dot + 1, 3);
   return true;
 }
 
-bool ShapeFile::OpenMain(const String* base, int32_t mode) {
+bool ShapeFile::OpenMain(const String* fileName, int32_t mode) {
   m_main = Ref<File>(new File());
   if (mode == kRead) m_main->SetBufferSize(kReadBuffer);
-  if (!m_main->Open(WithExtension(base, ".shp").get(), FileModeOf(mode))) {
+  if (!m_main->Open(fileName, FileModeOf(mode))) {
     Error().m_copy_err(&m_main->Error());
     m_main.Reset();
     return false;
@@ -112,10 +164,57 @@ bool ShapeFile::MeasureMain() {
 }
 
 // The system works without an index when there is none: its failure is no failure.
-void ShapeFile::OpenIndex(const String* base, int32_t mode) {
+void ShapeFile::OpenIndex(const String* fileName, int32_t mode) {
   m_index = Ref<File>(new File());
-  m_indexOpen = m_index->Open(WithExtension(base, ".shx").get(), FileModeOf(mode));
+  m_indexOpen = m_index->Open(fileName, FileModeOf(mode));
   if (!m_indexOpen) m_index.Reset();
+}
+
+// The index holds an entry for each record that the main file's header counts: its last
+// entry ends where the header says the records end.
+bool ShapeFile::IndexDescribesMain() {
+  if (!m_indexOpen || m_indexLength < shp::kHeaderBytes ||
+      (m_indexLength - shp::kHeaderBytes) % shp::kIndexEntryBytes != 0)
+    return false;
+  if (m_indexLength == shp::kHeaderBytes) return m_mainLength == shp::kHeaderBytes;
+  uint8_t entry[shp::kIndexEntryBytes];
+  if (m_index->Seek(m_indexLength - shp::kIndexEntryBytes, File::kFromStart) < 0 ||
+      m_index->Read(entry, shp::kIndexEntryBytes) != shp::kIndexEntryBytes)
+    return false;
+  const int64_t end =
+      2 * (int64_t(shp::BigInt32(entry)) + shp::BigInt32(entry + 4)) + shp::kRecordHeaderBytes;
+  return end == m_mainLength;
+}
+
+// An entry for each whole record, from the first up to the end that both the main
+// file's header and its size allow, then the header. A failure leaves the file without
+// an index, as when there is none.
+void ShapeFile::RebuildIndex(const String* fileName) {
+  if (!m_indexOpen) OpenIndex(fileName, kUpdate);
+  if (!m_indexOpen) return;
+  std::vector<uint8_t> entries;
+  const int64_t end = std::min(m_mainLength, m_mainSize);
+  int64_t at = shp::kHeaderBytes;
+  uint8_t head[shp::kRecordHeaderBytes];
+  while (at + shp::kRecordHeaderBytes <= end && m_main->Seek(int32_t(at), File::kFromStart) >= 0 &&
+         m_main->Read(head, shp::kRecordHeaderBytes) == shp::kRecordHeaderBytes) {
+    const int32_t words = shp::BigInt32(head + 4);
+    const int64_t next = at + shp::kRecordHeaderBytes + 2 * int64_t(words);
+    if (words < 0 || next > end) break;
+    uint8_t entry[shp::kIndexEntryBytes];
+    shp::PutBigInt32(entry, int32_t(at / 2));
+    shp::PutBigInt32(entry + 4, words);
+    entries.insert(entries.end(), entry, entry + shp::kIndexEntryBytes);
+    at = next;
+  }
+  const int32_t length = shp::kHeaderBytes + int32_t(entries.size());
+  if ((!entries.empty() &&
+       !WriteAt(*m_index, shp::kHeaderBytes, entries.data(), int32_t(entries.size()))) ||
+      !WriteHeader(*m_index, length)) {
+    CloseIndex();
+    return;
+  }
+  m_indexLength = length;
 }
 
 bool ShapeFile::ReadMainHeader() {

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "frame/BaseObject.h"
@@ -28,7 +29,8 @@ class ShapeFile : public BaseObject {
   ShapeFile() = default;
   ~ShapeFile() override;
 
-  // The name with or without ".shp" (any case).
+  // The name with or without ".shp" (any case), in UTF-8. Existing files are found
+  // whatever the case of their extension; in update mode the index is made whole first.
   void Open(const String* name, int32_t mode);
   // Closes both files; nothing remains to be written. The type and ReadOnly stay.
   void Close() override;
@@ -48,9 +50,11 @@ class ShapeFile : public BaseObject {
   void SetReadOnly(bool readOnly);
 
  private:
-  bool SplitName(const String* name, Ref<String>& base);
-  bool OpenMain(const String* base, int32_t mode);
-  void OpenIndex(const String* base, int32_t mode);
+  bool SplitName(const String* name, Ref<String>& base, std::string& extension);
+  bool OpenMain(const String* fileName, int32_t mode);
+  void OpenIndex(const String* fileName, int32_t mode);
+  bool IndexDescribesMain();
+  void RebuildIndex(const String* fileName);
   void StartEmptyFiles();
   bool ReadMainHeader();
   void ReadIndexHeader();

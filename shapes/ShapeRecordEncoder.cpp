@@ -21,11 +21,18 @@ ShapeRecordEncoder::ShapeRecordEncoder(const Shape& shape, int32_t type, int32_t
       m_type(type),
       m_kind(ShapeFileKind::Of(type)),
       m_activePart(activePart),
-      m_parts(shape.StoredPartCount()) {
-  for (int32_t part = 0; part < m_parts; ++part) m_nodes += shape.StoredNodeCount(part);
+      m_storedParts(shape.StoredPartCount()) {
+  // Parts without nodes are left out: a reader takes each part start as a node of the
+  // record, and a part start at the node count, or two parts at one start, make other
+  // readers refuse the record.
+  for (int32_t part = 0; part < m_storedParts; ++part) {
+    const int32_t nodes = shape.StoredNodeCount(part);
+    m_nodes += nodes;
+    if (nodes > 0) ++m_parts;
+  }
   // A point takes the first node of the active part; without one it has no geometry.
   if (m_kind.family == ShapeFileKind::kPoint &&
-      (activePart < 0 || activePart >= m_parts || shape.StoredNodeCount(activePart) == 0))
+      (activePart < 0 || activePart >= m_storedParts || shape.StoredNodeCount(activePart) == 0))
     m_nodes = 0;
 }
 
@@ -72,9 +79,11 @@ uint8_t* ShapeRecordEncoder::WritePoint(uint8_t* at) const {
 uint8_t* ShapeRecordEncoder::WritePoly(uint8_t* at) const {
   at = PutInt(PutInt(WriteBox(at), m_parts), m_nodes);
   int32_t start = 0;
-  for (int32_t part = 0; part < m_parts; ++part) {
+  for (int32_t part = 0; part < m_storedParts; ++part) {
+    const int32_t nodes = m_shape.StoredNodeCount(part);
+    if (nodes == 0) continue;
     at = PutInt(at, start);
-    start += m_shape.StoredNodeCount(part);
+    start += nodes;
   }
   at = WriteXY(at);
   if (m_kind.hasZ) at = WriteDimension(at, 2);
@@ -98,7 +107,7 @@ uint8_t* ShapeRecordEncoder::WriteBox(uint8_t* at) const {
 }
 
 uint8_t* ShapeRecordEncoder::WriteXY(uint8_t* at) const {
-  for (int32_t part = 0; part < m_parts; ++part)
+  for (int32_t part = 0; part < m_storedParts; ++part)
     m_shape.VisitRuns(part, [&](const uint8_t* records, int32_t count) {
       for (int32_t k = 0; k < count; ++k) {
         const NodeRecord node = RecordAt(records, k);
@@ -111,7 +120,7 @@ uint8_t* ShapeRecordEncoder::WriteXY(uint8_t* at) const {
 uint8_t* ShapeRecordEncoder::WriteDimension(uint8_t* at, int dimension) const {
   const double* b = m_shape.Bounds();
   at = PutDouble(PutDouble(at, b[2 * dimension]), b[2 * dimension + 1]);
-  for (int32_t part = 0; part < m_parts; ++part)
+  for (int32_t part = 0; part < m_storedParts; ++part)
     m_shape.VisitRuns(part, [&](const uint8_t* records, int32_t count) {
       for (int32_t k = 0; k < count; ++k) {
         const NodeRecord node = RecordAt(records, k);

@@ -13,7 +13,8 @@ namespace kx {
 class ShapeRecordEncoder {
  public:
   // `activePart` is the part whose first node a Point record takes. A shape without
-  // nodes becomes a null record, whatever the type.
+  // nodes becomes a null record, whatever the type, and a part without nodes is no part
+  // of the record.
   ShapeRecordEncoder(const Shape& shape, int32_t type, int32_t activePart);
 
   bool IsNullRecord() const { return m_nodes == 0 || m_kind.family == ShapeFileKind::kNull; }
@@ -38,7 +39,8 @@ class ShapeRecordEncoder {
   int32_t m_type;
   ShapeFileKind m_kind;
   int32_t m_activePart;
-  int32_t m_parts;
+  int32_t m_storedParts;
+  int32_t m_parts = 0;  // those with nodes: the record's parts
   int32_t m_nodes = 0;
 };
 

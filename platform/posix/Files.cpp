@@ -1,5 +1,6 @@
 // The file calls: paths with "\\" or "/" between their parts, devices "COMn:" to the
 // serial ports, everything else to files.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -99,4 +100,17 @@ BOOL DeleteFileW(LPCWSTR name) {
     return FALSE;
   }
   return ::unlink(PathOf(name).c_str()) == 0 ? TRUE : platform::FailFromErrno();
+}
+
+DWORD GetFileAttributesW(LPCWSTR name) {
+  if (!name) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return INVALID_FILE_ATTRIBUTES;
+  }
+  struct stat status;
+  if (::stat(PathOf(name).c_str(), &status) != 0) {
+    platform::FailFromErrno();
+    return INVALID_FILE_ATTRIBUTES;
+  }
+  return S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
 }

@@ -75,21 +75,37 @@ std::string ToUtf8(const std::u16string& text) {
   return utf8;
 }
 
-std::u16string FromUtf8(const std::string& utf8) {
-  std::u16string text;
+namespace {
+
+// Malformed bytes come out as U+FFFD, or end the decoding when `exactly`.
+bool Decode(const std::string& utf8, std::u16string& text, bool exactly) {
   for (size_t at = 0; at < utf8.size();) {
     const size_t length = SequenceLength((unsigned char)utf8[at]);
     char32_t c;
     if (DecodeSequence(utf8, at, length, c)) {
       AppendUtf16(text, c);
       at += length;
+    } else if (exactly) {
+      return false;
     } else {
       // Only the first byte is given up: what follows may start a good sequence.
       AppendUtf16(text, kReplacement);
       ++at;
     }
   }
+  return true;
+}
+
+}  // namespace
+
+std::u16string FromUtf8(const std::string& utf8) {
+  std::u16string text;
+  Decode(utf8, text, false);
   return text;
+}
+
+bool FromUtf8Exactly(const std::string& utf8, std::u16string& text) {
+  return Decode(utf8, text, true);
 }
 
 }  // namespace platform

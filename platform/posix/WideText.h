@@ -11,5 +11,7 @@ namespace platform {
 std::string ToUtf8(const std::u16string& text);
 // Malformed bytes come out as U+FFFD.
 std::u16string FromUtf8(const std::string& utf8);
+// False, and `text` unfinished, at the first malformed byte.
+bool FromUtf8Exactly(const std::string& utf8, std::u16string& text);
 
 }  // namespace platform

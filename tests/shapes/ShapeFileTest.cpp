@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -51,6 +52,50 @@ Box FileBounds(KxShapeFile file) {
   ShapeFile_GetBoundingBox(file, &b.minX, &b.maxX, &b.minY, &b.maxY, &b.minZ, &b.maxZ, &b.minM,
                            &b.maxM);
   return b;
+}
+
+std::vector<uint8_t> Bytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+int32_t Big(const std::vector<uint8_t>& b, size_t at) {
+  return int32_t(uint32_t(b[at]) << 24 | uint32_t(b[at + 1]) << 16 | uint32_t(b[at + 2]) << 8 |
+                 b[at + 3]);
+}
+
+int32_t Little(const std::vector<uint8_t>& b, size_t at) {
+  return int32_t(uint32_t(b[at + 3]) << 24 | uint32_t(b[at + 2]) << 16 | uint32_t(b[at + 1]) << 8 |
+                 b[at]);
+}
+
+// What shapelib and GDAL need of a pair of files, which they check before they read a
+// record: headers that give the files' lengths, an index entry for each record of the
+// main file and nothing else, and in each record of parts, part starts that rise from 0
+// and stay below the node count. Empty when the pair is whole.
+std::string PairProblem(const std::string& base, const std::string& shp = ".shp",
+                        const std::string& shx = ".shx") {
+  const std::vector<uint8_t> main = Bytes(base + shp), index = Bytes(base + shx);
+  if (main.size() < 100 || index.size() < 100) return "a file without its header";
+  if (size_t(2 * Big(main, 24)) != main.size()) return "main length";
+  if (size_t(2 * Big(index, 24)) != index.size()) return "index length";
+  size_t at = 100, entry = 100;
+  for (; at + 8 <= main.size(); at += 8 + 2 * size_t(Big(main, at + 4)), entry += 8) {
+    if (entry + 8 > index.size()) return "a record without an index entry";
+    if (size_t(2 * Big(index, entry)) != at || Big(index, entry + 4) != Big(main, at + 4))
+      return "index entry " + std::to_string((entry - 100) / 8);
+    const int32_t type = Little(main, at + 8);
+    if (type != 3 && type != 5 && type != 13 && type != 15 && type != 23 && type != 25) continue;
+    const int32_t parts = Little(main, at + 44), nodes = Little(main, at + 48);
+    for (int32_t p = 0; p < parts; ++p) {
+      const int32_t start = Little(main, at + 52 + 4 * size_t(p));
+      const int32_t previous = p ? Little(main, at + 48 + 4 * size_t(p)) : -1;
+      if ((p == 0 && start != 0) || start <= previous || start >= nodes)
+        return "part start " + std::to_string(p);
+    }
+  }
+  if (at != main.size()) return "a record beyond the end";
+  return entry == index.size() ? "" : "index entries without records";
 }
 
 const Part kSquare = {{0, 0, 1, 2}, {0, 10, 3, 4}, {10, 10, 5, 6}, {10, 0, 7, 8}, {0, 0, 1, 2}};
@@ -285,6 +330,141 @@ TEST(ShapeFile, ZAndMFollowTheRecordLengthAndTheHeaderRange) {
   const FileContents holes = ReadFile(DataFile("good/postgis/Polygon"));
   ASSERT_EQ(holes.shapes[0].size(), 4u);  // the second part starts at its own index
   EXPECT_EQ(holes.shapes[0][1][0], (Node{5, 5}));
+}
+
+// A part left empty (made and never filled, cleared, or its nodes deleted) is no part of
+// the record: a part start at the node count, or two parts at one start, make shapelib
+// and GDAL refuse the record. A shape whose parts are all empty is a null record.
+TEST(ShapeFile, EmptyPartsAreLeftOutOfWrittenRecords) {
+  TempDirectory dir;
+  KxShapeFile file = ShapeFile_New();
+  ShapeFile_SetShapeFileType(file, 15);
+  ShapeFile_Open(file, Wide(dir / "e").c_str(), KX_SHAPEFILE_CREATE);
+  KxShape shapes[] = {MakeShape({{}, kSquare, {}, {}, kHole, {}}),
+                      MakeShape({{{1, 1}}, {{2, 2}, {3, 3}}}), MakeShape({{{4, 4}}})};
+  Shape_SetPartIndex(shapes[1], 0);
+  Shape_DeleteNode(shapes[1]);   // the first part loses its only node
+  Shape_NewPart(shapes[2], -1);  // and a part without nodes stands last
+  for (KxShape shape : shapes) ShapeFile_Write(file, shape);
+  Shape_SetPartIndex(shapes[2], 0);
+  Shape_ClearPart(shapes[2]);  // two parts, neither with a node
+  ShapeFile_Write(file, shapes[2]);
+  EXPECT_EQ(ErrorOf(file), "0");
+  ShapeFile_Delete(file);
+  for (KxShape shape : shapes) Shape_Delete(shape);
+  EXPECT_EQ(PairProblem(dir / "e"), "");
+  const FileContents contents = ReadFile(dir / "e", false);
+  const std::vector<std::vector<Part>> expected = {
+      {kSquare, kHole}, {{{2, 2}, {3, 3}}}, {{{4, 4}}}, {}};
+  EXPECT_EQ(contents.shapes, expected);
+}
+
+// A .shp without its .shx is common: in update mode the index is made from the main
+// file's records before anything is appended, so that the pair is whole after every
+// record, and merely opening and closing leaves a whole pair too. So does an index that
+// ends short of the records, and a main file refused in update mode leaves no index.
+TEST(ShapeFile, UpdateModeMakesAMissingOrShortIndexFromTheRecords) {
+  TempDirectory dir;
+  const std::string base = dir / "u";
+  WriteFile(base, 3, {{{{1, 1}, {2, 2}}}, {}, {{{3, 3}, {4, 4}}}}, {1, 2, 3});
+  const std::vector<uint8_t> written = Bytes(base + ".shx");
+  std::filesystem::remove(base + ".shx");
+  ShapeFile_Delete(OpenShapeFile(base, KX_SHAPEFILE_UPDATE));
+  EXPECT_EQ(Bytes(base + ".shx"), written);
+  std::filesystem::resize_file(base + ".shx", written.size() - 8);
+  KxShapeFile file = OpenShapeFile(base, KX_SHAPEFILE_UPDATE);
+  KxShape shape = MakeShape({{{5, 5}, {6, 6}}});
+  Shape_SetShapeID(shape, 4);
+  ShapeFile_Write(file, shape);
+  EXPECT_EQ(PairProblem(base), "");  // whole after each record
+  ShapeFile_Delete(file);
+  std::filesystem::remove(base + ".shx");
+  file = OpenShapeFile(base, KX_SHAPEFILE_UPDATE);
+  ShapeFile_Write(file, shape);
+  ShapeFile_Delete(file);
+  Shape_Delete(shape);
+  EXPECT_EQ(PairProblem(base), "");
+  file = OpenShapeFile(base, KX_SHAPEFILE_READ);
+  ShapeFile_Seek(file, 4);  // through the index
+  EXPECT_EQ(ReadAll(file).ids, (std::vector<int>{4}));
+  ShapeFile_Delete(file);
+  EXPECT_EQ(ReadFile(base).ids, (std::vector<int>{1, 2, 3, 4, 4}));
+
+  std::ofstream(dir / "junk.shp") << std::string(200, 'j');
+  EXPECT_EQ(OpenFailure(dir / "junk", KX_SHAPEFILE_UPDATE), "10003 Unknown shape type.");
+  EXPECT_FALSE(std::filesystem::exists(dir / "junk.shx"));
+}
+
+// Names find existing files whatever the case of their extension, as on the device, and
+// the index goes with its main file; a new file takes the name as it was asked for.
+TEST(ShapeFile, ExtensionsInAnyCaseFindTheExistingFiles) {
+  TempDirectory dir;
+  WriteFile(dir / "up", 1, {{{{1, 2}}}, {{{3, 4}}}}, {1, 2});
+  std::filesystem::rename(dir / "up.shp", dir / "up.SHP");
+  std::filesystem::rename(dir / "up.shx", dir / "up.SHX");
+  for (const char* name : {"up", "up.shp", "up.SHP", "up.Shp"}) {
+    KxShapeFile file = OpenShapeFile(dir / name, KX_SHAPEFILE_READ);
+    ShapeFile_Seek(file, 1);  // the index was found too
+    EXPECT_EQ(ReadAll(file).ids, (std::vector<int>{2})) << name;
+    ShapeFile_Delete(file);
+  }
+  std::filesystem::rename(dir / "up.SHX", dir / "up.shx");
+  KxShapeFile file = OpenShapeFile(dir / "up", KX_SHAPEFILE_UPDATE);
+  KxShape shape = MakeShape({{{5, 6}}});
+  ShapeFile_Write(file, shape);
+  ShapeFile_Delete(file);
+  EXPECT_EQ(PairProblem(dir / "up", ".SHP", ".shx"), "");
+  EXPECT_FALSE(std::filesystem::exists(dir / "up.shp"));
+  EXPECT_FALSE(std::filesystem::exists(dir / "up.SHX"));
+  WriteFile(dir / "new.SHP", 1, {{{{1, 2}}}}, {1});
+  EXPECT_EQ(PairProblem(dir / "new", ".SHP", ".SHX"), "");
+  WriteFile(dir / "new.shp", 1, {{{{1, 2}}}}, {1});  // the same files, made again
+  EXPECT_FALSE(std::filesystem::exists(dir / "new.shp"));
+  Shape_Delete(shape);
+}
+
+// Offsets are 32-bit: a main file over 2 GiB is refused when it is opened, in every mode,
+// and left as it is. The files are sparse, so the test costs no disk.
+TEST(ShapeFile, AMainFileOverTwoGigabytesIsRefusedAtOpen) {
+  TempDirectory dir;
+  WriteFile(dir / "huge", 1, {{{{1, 2}}}}, {1});
+  const std::string main = dir / "huge.shp";
+  for (uintmax_t size : {uintmax_t(0x80000000), uintmax_t(0x100000010)}) {
+    std::filesystem::resize_file(main, size);
+    for (int mode : {KX_SHAPEFILE_READ, KX_SHAPEFILE_UPDATE}) {
+      KxShapeFile file = OpenShapeFile(dir / "huge", mode);
+      EXPECT_EQ(ErrorOf(file), "10010 Error opening, reading, writing or seeking file") << size;
+      EXPECT_EQ(ShapeFile_Read(file), nullptr);
+      EXPECT_EQ(ErrorOf(file), "10010 Error opening, reading, writing or seeking file");
+      ShapeFile_Delete(file);
+    }
+    EXPECT_EQ(std::filesystem::file_size(main), size);
+  }
+}
+
+// A name reaches the file system as the caller wrote it, in UTF-8, whatever its
+// characters: not cut to 8 bits on the way.
+TEST(ShapeFile, FileNamesReachTheFileSystemAsWritten) {
+  TempDirectory dir;
+  const std::u16string folder = Wide(dir.Path()) + u"/";
+  for (const char16_t* name : {u"\u0416\u043er", u"caf\u00e9", u"map\U0001F5FA"}) {
+    KxShapeFile file = ShapeFile_New();
+    ShapeFile_SetShapeFileType(file, 1);
+    ShapeFile_Open(file, (folder + name + u".shp").c_str(), KX_SHAPEFILE_CREATE);
+    KxShape shape = MakeShape({{{1, 2}}});
+    ShapeFile_Write(file, shape);
+    Shape_Delete(shape);
+    ShapeFile_Open(file, (folder + name).c_str(), KX_SHAPEFILE_READ);
+    EXPECT_EQ(ReadAll(file).ids.size(), 1u);
+    ShapeFile_Delete(file);
+  }
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(dir.Path()))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (std::vector<std::string>{"caf\u00e9.shp", "caf\u00e9.shx", "map\U0001F5FA.shp",
+                                             "map\U0001F5FA.shx", "\u0416\u043er.shp",
+                                             "\u0416\u043er.shx"}));
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 // shapes and positions.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "KestrixCE.h"
 #include "ShapeSupport.h"
 #include "support/Positions.h"
@@ -235,6 +237,134 @@ TEST(ShapeModel, PositionsComeInThroughTheTemplateAndOutAsOneObject) {
   EXPECT_EQ(ErrorOf(none), "10006 DatumGridTemplate not set.");
   for (KxPosition q : {p, a, b, grid}) Position_Delete(q);
   for (KxShape k : {s, utm, none}) Shape_Delete(k);
+}
+
+// A part of 170 nodes, its first 70 deleted, leaves one full block of 100; a node
+// inserted in its upper half must find a slot when the block splits.
+TEST(ShapeModel, InsertingIntoALoneFullBlockOfNodesKeepsEveryNode) {
+  KxShape s = Shape_New();
+  for (int k = 0; k < 170; ++k) AddNode(s, {double(k), 0});
+  Shape_SetNodeIndex(s, 0);
+  for (int k = 0; k < 70; ++k) Shape_DeleteNode(s);
+  Shape_NewNode(s, 60);
+  EXPECT_EQ(ErrorOf(s), "0");
+  SetX(s, -1);
+  Part expected;
+  for (int k = 70; k < 170; ++k) expected.push_back({double(k), 0});
+  expected.insert(expected.begin() + 60, Node{-1, 0});
+  EXPECT_EQ(ReadShape(s), std::vector<Part>{expected});
+  Shape_Delete(s);
+}
+
+// min X, max X, min Y, max Y, ... of the nodes of plain arrays; all 0 without nodes.
+std::vector<double> ExpectedBounds(const std::vector<Part>& parts) {
+  std::vector<double> b;
+  for (const Part& part : parts)
+    for (const Node& n : part) {
+      const double v[] = {n.x, n.y, n.z, n.m};
+      if (b.empty()) b = {v[0], v[0], v[1], v[1], v[2], v[2], v[3], v[3]};
+      for (int d = 0; d < 4; ++d) {
+        b[2 * d] = std::min(b[2 * d], v[d]);
+        b[2 * d + 1] = std::max(b[2 * d + 1], v[d]);
+      }
+    }
+  return b.empty() ? std::vector<double>(8, 0.0) : b;
+}
+
+// One random edit of `s`, mirrored in `model`: the shape's cursor says where an edit
+// lands. Values come from a few integers, so that nodes often share a bound and edits
+// often leave one.
+void RandomEdit(KxShape s, std::vector<Part>& model, bool fixed, uint32_t& seed) {
+  auto next = [&](uint32_t bound) {
+    seed = seed * 1103515245u + 12345u;
+    return int((seed >> 8) % bound);
+  };
+  const int part = Shape_GetPartIndex(s), node = Shape_GetNodeIndex(s);
+  const int parts = Shape_GetPartCount(s), nodes = Shape_GetNodeCount(s);
+  const int what = next(100);
+  if (what < 28) {
+    Shape_NewNode(s, fixed || next(3) == 0 ? -1 : next(nodes + 1));
+    if (ErrorOf(s) != "0") return;
+    Node n;  // a new node holds the working values
+    Shape_GetNode(s, &n.x, &n.y, &n.z, &n.m);
+    Part& target = model[Shape_GetPartIndex(s)];
+    target.insert(target.begin() + Shape_GetNodeIndex(s), n);
+  } else if (what < 55) {
+    if (nodes == 0) return;
+    Node& n = model[part][node];
+    double* values[] = {&n.x, &n.y, &n.z, &n.m};
+    const int d = next(5);  // 4: all four at once
+    for (int k = 0; k < 4; ++k)
+      if (d == 4 || d == k) *values[k] = next(9) - 4;
+    void (*setters[])(KxShape, const double*) = {Shape_SetX, Shape_SetY, Shape_SetZ, Shape_SetM};
+    if (d == 4)
+      Shape_SetNode(s, &n.x, &n.y, &n.z, &n.m);
+    else
+      setters[d](s, values[d]);
+  } else if (what < 65) {
+    if (nodes > 0) Shape_SetNodeIndex(s, next(nodes + 1) - 1);
+  } else if (what < 72) {
+    Shape_SetPartIndex(s, next(parts + 1) - 1);
+  } else if (fixed && what < 76) {
+    model.assign(size_t(1 + next(4)), {});
+    Shape_FixedPartCount(s, int(model.size()));
+  } else if (fixed && what < 85) {
+    const int slot = next(parts);
+    Shape_FixedNodeCount(s, slot, 1 + next(8));
+    model[slot].clear();
+  } else if (fixed) {
+  } else if (what < 84) {
+    Shape_DeleteNode(s);
+    if (nodes > 0) model[part].erase(model[part].begin() + node);
+  } else if (what < 90) {
+    Shape_NewPart(s, next(parts + 2) - 1);
+    if (Shape_GetPartCount(s) > parts) model.insert(model.begin() + Shape_GetPartIndex(s), Part());
+  } else if (what < 94) {
+    Shape_ClearPart(s);
+    model[part].clear();
+  } else if (what < 99) {
+    Shape_DeletePart(s);
+    if (parts == 1)
+      model[0].clear();
+    else
+      model.erase(model.begin() + part);
+  } else {
+    Shape_ClearShape(s);
+    model.assign(1, {});
+  }
+}
+
+// Whatever sequence of edits an application makes, the bounds enclose exactly the nodes
+// there are: a node moved and not yet stored when its part is cleared or deleted, and a
+// node made after the shape or its part was emptied, which holds values of a node gone.
+TEST(ShapeModel, BoundsEncloseExactlyTheNodesAfterAnyEdits) {
+  for (bool fixed : {false, true}) {
+    for (uint32_t seed : {1u, 77u, 4242u}) {
+      const uint32_t start = seed;
+      KxShape s = Shape_New();
+      std::vector<Part> model(fixed ? 3 : 1);
+      if (fixed) {
+        Shape_SetFixedSize(s, 1);
+        Shape_FixedPartCount(s, 3);
+      }
+      Shape_GetPartCount(s);  // a dynamic shape has its first part now
+      for (int step = 0; step < 4000; ++step) {
+        RandomEdit(s, model, fixed, seed);
+        const Box b = BoundsOf(s);
+        ASSERT_EQ(
+            (std::vector<double>{b.minX, b.maxX, b.minY, b.maxY, b.minZ, b.maxZ, b.minM, b.maxM}),
+            ExpectedBounds(model))
+            << "seed " << start << " step " << step;
+        if (step % 250 == 0) {
+          const int part = Shape_GetPartIndex(s), node = Shape_GetNodeIndex(s);
+          ASSERT_EQ(ReadShape(s), model) << "seed " << start << " step " << step;
+          Shape_SetPartIndex(s, part);
+          Shape_SetNodeIndex(s, node);
+        }
+      }
+      Shape_Delete(s);
+    }
+  }
 }
 
 TEST(ShapeModel, PropertiesRaiseModifiedCountOnlyWhenTheyChange) {

@@ -8,7 +8,42 @@ namespace kestrix {
 
 namespace {
 
-std::u16string Wide(const std::string& bytes) { return std::u16string(bytes.begin(), bytes.end()); }
+// The length of the UTF-8 sequence that `lead` starts, and the bits it carries; 0 for a
+// byte that starts none.
+int SequenceOf(unsigned char lead, char32_t& c) {
+  if (lead < 0x80) return c = lead, 1;
+  if ((lead & 0xE0) == 0xC0) return c = lead & 0x1F, 2;
+  if ((lead & 0xF0) == 0xE0) return c = lead & 0x0F, 3;
+  if ((lead & 0xF8) == 0xF0) return c = lead & 0x07, 4;
+  return 0;
+}
+
+// A file name from the command line, UTF-8, as the wide text that the library takes; a
+// byte that isn't part of UTF-8 stands for the character of its value.
+std::u16string Wide(const std::string& bytes) {
+  std::u16string wide;
+  for (size_t at = 0; at < bytes.size();) {
+    char32_t c;
+    const size_t length = size_t(SequenceOf((unsigned char)bytes[at], c));
+    bool whole = length > 0 && at + length <= bytes.size();
+    for (size_t i = 1; whole && i < length; ++i) {
+      whole = ((unsigned char)bytes[at + i] & 0xC0) == 0x80;
+      c = (c << 6) | ((unsigned char)bytes[at + i] & 0x3F);
+    }
+    if (!whole || c > 0x10FFFF) {
+      wide += char16_t((unsigned char)bytes[at++]);
+      continue;
+    }
+    if (c >= 0x10000) {
+      wide += char16_t(0xD800 + ((c - 0x10000) >> 10));
+      wide += char16_t(0xDC00 + ((c - 0x10000) & 0x3FF));
+    } else {
+      wide += char16_t(c);
+    }
+    at += length;
+  }
+  return wide;
+}
 
 std::string Narrow(BSTR text) {
   std::string out;
@@ -25,20 +60,34 @@ std::string Failure(KxError error) {
 
 const char* TypeName(int type) {
   switch (type) {
-    case 0: return "NullShape";
-    case 1: return "Point";
-    case 3: return "Arc";
-    case 5: return "Polygon";
-    case 8: return "MultiPoint";
-    case 11: return "PointZ";
-    case 13: return "ArcZ";
-    case 15: return "PolygonZ";
-    case 18: return "MultiPointZ";
-    case 21: return "PointM";
-    case 23: return "ArcM";
-    case 25: return "PolygonM";
-    case 28: return "MultiPointM";
-    default: return "UnknownShapeType";
+    case 0:
+      return "NullShape";
+    case 1:
+      return "Point";
+    case 3:
+      return "Arc";
+    case 5:
+      return "Polygon";
+    case 8:
+      return "MultiPoint";
+    case 11:
+      return "PointZ";
+    case 13:
+      return "ArcZ";
+    case 15:
+      return "PolygonZ";
+    case 18:
+      return "MultiPointZ";
+    case 21:
+      return "PointM";
+    case 23:
+      return "ArcM";
+    case 25:
+      return "PolygonM";
+    case 28:
+      return "MultiPointM";
+    default:
+      return "UnknownShapeType";
   }
 }
 
@@ -122,8 +171,8 @@ void PrintShape(std::FILE* out, KxShape shape, int index, int type, bool geometr
       Shape_SetNodeIndex(shape, k);
       double x, y, z, m;
       Shape_GetNode(shape, &x, &y, &z, &m);
-      std::fprintf(out, "   %s (%.17g,%.17g, %.17g, %.17g)\n", part > 0 && k == 0 ? "+" : " ",
-                   x, y, z, m);
+      std::fprintf(out, "   %s (%.17g,%.17g, %.17g, %.17g)\n", part > 0 && k == 0 ? "+" : " ", x, y,
+                   z, m);
     }
   }
   if (geometry) PrintGeometry(out, shape, type, nodes);
@@ -167,12 +216,19 @@ int ShpCommand::Copy(const ShpOptions& options) {
     std::fprintf(stderr, "kestrix shp: %s\n", in.message().c_str());
     return 2;
   }
-  OpenFile out(options.copyTo, KX_SHAPEFILE_CREATE);
+  OpenFile out(options.copyTo, options.append ? KX_SHAPEFILE_UPDATE : KX_SHAPEFILE_CREATE);
   if (!out.failure().empty()) {
     std::fprintf(stderr, "kestrix shp: %s\n", out.message().c_str());
     return 2;
   }
-  ShapeFile_SetShapeFileType(out.get(), ShapeFile_GetShapeFileType(source));
+  // A file made now is of type Null until it is told; one with records keeps its type.
+  const int type = ShapeFile_GetShapeFileType(source), held = ShapeFile_GetShapeFileType(out.get());
+  if (options.append && held != 0 && held != type) {
+    std::fprintf(stderr, "kestrix shp: %s: holds %s, not %s\n", options.copyTo.c_str(),
+                 TypeName(held), TypeName(type));
+    return 2;
+  }
+  ShapeFile_SetShapeFileType(out.get(), type);
   for (int index = 0;; ++index) {
     KxShape shape = ShapeFile_Read(source);
     if (!shape) {

@@ -1,5 +1,6 @@
 // kestrix shp: a shape file as text, record by record, in the manner of shpdump; and
-// kestrix shp copy, which reads every record and writes them to a new file.
+// kestrix shp copy, which reads every record and writes them to a new file, or with
+// --append behind the records of an existing one.
 #pragma once
 
 #include <cstdio>
@@ -11,6 +12,7 @@ struct ShpOptions {
   std::string file;
   bool geometry = false;  // length, area, point count and the clean-polygon verdict
   std::string copyFrom, copyTo;
+  bool append = false;  // open the copy in update mode
 };
 
 class ShpCommand {
@@ -20,7 +22,7 @@ class ShpCommand {
   // with the library's error number and text.
   static int Dump(const ShpOptions& options, std::FILE* out);
   // 0 when every record was copied; 1 when reading or writing failed; 2 when the file
-  // doesn't open or the new file couldn't be made.
+  // doesn't open, the new file couldn't be made, or an appended one holds another type.
   static int Copy(const ShpOptions& options);
 };
 

@@ -6,6 +6,7 @@
 //   kestrix replay receiver.log --grid 1 --mode queue --json
 //   kestrix shp roads.shp --geometry
 //   kestrix shp copy roads.shp copy.shp
+//   kestrix shp copy --append more.shp roads.shp
 //   kestrix simulate receiver.log --baud 57600 &   kestrix gps --grid utm
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -127,6 +128,8 @@ int main(int argc, char** argv) {
   CLI::App* shpCopy = shpCommand->add_subcommand("copy", "Read every record, write a new file.");
   shpCopy->add_option("in", shp.copyFrom, "the file to read")->required();
   shpCopy->add_option("out", shp.copyTo, "the file to write")->required();
+  shpCopy->add_flag("--append", shp.append,
+                    "write behind the records the file holds (made if missing)");
   kestrix::LiveGpsOptions gps;
   CLI::App* gpsCommand = app.add_subcommand(
       "gps", "Read a live receiver and print fixes, movement, satellites and status.");

@@ -54,8 +54,9 @@ BOOL LoggedDelete(LPCWSTR name) {
   return FALSE;
 }
 
-const File::SystemCalls kLoggedCalls = {&CreateFileW,      &LoggedRead,   &LoggedWrite, &LoggedSeek,
-                                        &FlushFileBuffers, &LoggedDelete, &CloseHandle};
+const File::SystemCalls kLoggedCalls = {&CreateFileW, &LoggedRead,        &LoggedWrite,
+                                        &LoggedSeek,  &FlushFileBuffers,  &LoggedDelete,
+                                        &CloseHandle, &GetFileAttributesW};
 
 class FileTest : public ::testing::Test {
  protected:
