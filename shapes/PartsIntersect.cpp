@@ -50,7 +50,7 @@ class PairWalk {
   bool Advance() { return NextJ() && NextI(); }
   bool SeenBefore();
   bool MoveOn();
-  int32_t FirstJ() const { return m_same ? s.i + 2 : 1; }
+  int32_t FirstJ() const;
 
   const PartGeometry& m_one;
   const PartGeometry& m_two;
@@ -63,6 +63,18 @@ class PairWalk {
   // state it was in before.
   bool m_restored = false;
 };
+
+// A part against itself skips the neighbours of segment i: the next segment, and the
+// segments of length 0 after it, so that the first it meets leaves the node where
+// segment i ends.
+int32_t PairWalk::FirstJ() const {
+  if (!m_same) return 1;
+  int32_t j = s.i + 2;
+  while (j < n2 && m_two.Node(j - 1).x == m_one.Node(s.i).x &&
+         m_two.Node(j - 1).y == m_one.Node(s.i).y)
+    ++j;
+  return j;
+}
 
 bool PairWalk::Run() {
   if (n1 < 2 || n2 < 2) return false;
