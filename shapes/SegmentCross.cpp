@@ -17,16 +17,13 @@ bool Finite(XY p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
 bool Between(double v, double a, double b) { return std::min(a, b) < v && v < std::max(a, b); }
 
-// Segments on one line never cross; they pass a pending side on. Points are ordered
-// along the line by x, on a vertical line by y.
+// Segments on one line never cross; they pass a pending side on.
 void OnOneLine(XY A1, XY A2, XY B1, XY B2, Side sA, Side sB, Side& sideA, Side& sideB) {
-  const bool vertical = A1.x == A2.x;
-  const auto along = [vertical](XY p) { return vertical ? p.y : p.x; };
-  if (Between(along(A2), along(B1), along(B2)) || Between(along(B2), along(A1), along(A2))) {
+  if (Between(A2.x, B1.x, B2.x) || Between(B2.x, A1.x, A2.x)) {
     sideA = sA;
     sideB = sB;
   }
-  if (along(A2) == along(B2)) {
+  if (A2.x == B2.x) {
     if (sA != 0) {
       sideA = sA;
       sideB = Other(sA);

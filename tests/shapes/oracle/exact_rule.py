@@ -49,13 +49,11 @@ def between(v, a, b):
 
 
 def on_one_line(a1, a2, b1, b2, sa, sb):
-    """New sides of two segments on one line, ordered along it by x (by y when it is
-    vertical)."""
-    k = 1 if a1[0] == a2[0] else 0
+    """New sides of two segments on one line."""
     new_a, new_b = 0, 0
-    if between(a2[k], b1[k], b2[k]) or between(b2[k], a1[k], a2[k]):
+    if between(a2[0], b1[0], b2[0]) or between(b2[0], a1[0], a2[0]):
         new_a, new_b = sa, sb
-    if a2[k] == b2[k]:
+    if a2[0] == b2[0]:
         if sa:
             new_a, new_b = sa, other(sa)
         elif sb:
