@@ -1,17 +1,10 @@
 #include "shapes/Orientation.h"
 
-#include <cfloat>
 #include <cmath>
 
 namespace kx {
 
 namespace {
-
-// How far the determinant in doubles can lie from the true one, relative to the sum of
-// the magnitudes of its two products (Shewchuk's bound for the same expression, which
-// also covers the rounding of the sum and of the bound itself).
-constexpr double kUnit = DBL_EPSILON / 2;
-constexpr double kBound = (3.0 + 16.0 * kUnit) * kUnit;
 
 // a + b = s + e exactly, s the rounded sum.
 inline void TwoSum(double a, double b, double& s, double& e) {
@@ -52,8 +45,11 @@ class Expansion {
 
 bool Finite(XY p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
+}  // namespace
+
 // Each difference as two doubles, each product of them as two more, all summed exactly.
 int ExactOrientation(XY a, XY b, XY c) {
+  if (!Finite(a) || !Finite(b) || !Finite(c)) return 0;
   double u[2][2], v[2][2];  // [x or y][rounded, error]
   TwoSum(b.x, -a.x, u[0][0], u[0][1]);
   TwoSum(b.y, -a.y, u[1][0], u[1][1]);
@@ -75,18 +71,6 @@ int ExactOrientation(XY a, XY b, XY c) {
       det.Add(-error);
     }
   return det.Sign();
-}
-
-}  // namespace
-
-int Orientation(XY a, XY b, XY c) {
-  const double left = (b.x - a.x) * (c.y - a.y), right = (b.y - a.y) * (c.x - a.x);
-  const double det = left - right;
-  const double bound = kBound * (std::fabs(left) + std::fabs(right));
-  if (det > bound) return 1;
-  if (det < -bound) return -1;
-  if (!Finite(a) || !Finite(b) || !Finite(c)) return 0;
-  return ExactOrientation(a, b, c);
 }
 
 }  // namespace kx

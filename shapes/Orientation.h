@@ -3,11 +3,16 @@
 // rounding can turn one into the other.
 #pragma once
 
+#include <cmath>
+
 namespace kx {
 
 struct XY {
   double x, y;
 };
+
+// The sign of (b - a) x (c - a) without any rounding, for Orientation.
+int ExactOrientation(XY a, XY b, XY c);
 
 // The sign of (b - a) x (c - a): +1 when c lies to the left of the line from a to b
 // (a, b, c turn counter-clockwise), -1 to the right, 0 on the line. Computed in
@@ -15,6 +20,19 @@ struct XY {
 // any rounding. Exact for finite coordinates whose products stay in the normal range
 // of doubles (magnitudes from about 1e-150 to 1e150, and 0); a coordinate that isn't
 // finite gives 0.
-int Orientation(XY a, XY b, XY c);
+inline int Orientation(XY a, XY b, XY c) {
+  // How far the determinant in doubles can lie from the true one, relative to the sum
+  // of the magnitudes of its two products (Shewchuk's bound for the same expression,
+  // which also covers the rounding of the sum and of the bound itself): (3 + 16 u) u
+  // with u = 2^-53.
+  constexpr double kUnit = 1.0 / 9007199254740992.0;
+  constexpr double kBound = (3.0 + 16.0 * kUnit) * kUnit;
+  const double left = (b.x - a.x) * (c.y - a.y), right = (b.y - a.y) * (c.x - a.x);
+  const double det = left - right;
+  const double bound = kBound * (std::fabs(left) + std::fabs(right));
+  if (det > bound) return 1;
+  if (det < -bound) return -1;
+  return ExactOrientation(a, b, c);
+}
 
 }  // namespace kx

@@ -38,20 +38,23 @@ void OnOneLine(XY A1, XY A2, XY B1, XY B2, Side sA, Side sB, Side& sideA, Side& 
 
 // The lines of A and B meet in one point P, which lies on both segments, exactly when
 // neither segment lies wholly on one side of the other's line; P is an end point
-// exactly when that end lies on the other line. Four orientations decide it all.
+// exactly when that end lies on the other line. Four orientations decide it all. (A
+// coordinate that isn't finite gives orientations of 0, so it is looked for only
+// where one is 0.)
 bool SegmentCross(XY A1, XY A2, XY B1, XY B2, Side& sideA, Side& sideB) {
   if (Same(A1, A2) || Same(B1, B2)) return false;
   const Side sA = sideA, sB = sideB;
   sideA = sideB = 0;
-  if (!Finite(A1) || !Finite(A2) || !Finite(B1) || !Finite(B2)) return false;
+  const int a1 = Orientation(B1, B2, A1), a2 = Orientation(B1, B2, A2);
+  if (a1 * a2 > 0) return false;  // A wholly on one side of B's line
   const int b1 = Orientation(A1, A2, B1), b2 = Orientation(A1, A2, B2);
-  if (b1 == 0 && b2 == 0) {
+  if (b1 * b2 > 0) return false;
+  if (a1 != 0 && a2 != 0 && b1 != 0 && b2 != 0) return true;  // a proper crossing
+  if (!Finite(A1) || !Finite(A2) || !Finite(B1) || !Finite(B2)) return false;
+  if (a1 == 0 && a2 == 0) {
     OnOneLine(A1, A2, B1, B2, sA, sB, sideA, sideB);
     return false;
   }
-  if (b1 * b2 > 0) return false;  // parallel apart, or B's line meets A beyond B
-  const int a1 = Orientation(B1, B2, A1), a2 = Orientation(B1, B2, A2);
-  if (a1 * a2 > 0) return false;
   const bool atA1 = a1 == 0, atA2 = a2 == 0, atB1 = b1 == 0, atB2 = b2 == 0;
 
   // A segment that starts on the other one settles the touch its predecessor left.
@@ -75,8 +78,6 @@ bool SegmentCross(XY A1, XY A2, XY B1, XY B2, Side& sideA, Side& sideB) {
   } else if (atB2) {
     sideB = SideOf(b1);
   }
-
-  if (!atA1 && !atA2 && !atB1 && !atB2) crossed = true;
   return crossed;
 }
 
