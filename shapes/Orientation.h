@@ -30,9 +30,8 @@ inline int Orientation(XY a, XY b, XY c) {
   const double left = (b.x - a.x) * (c.y - a.y), right = (b.y - a.y) * (c.x - a.x);
   const double det = left - right;
   const double bound = kBound * (std::fabs(left) + std::fabs(right));
-  if (det > bound) return 1;
-  if (det < -bound) return -1;
-  return ExactOrientation(a, b, c);
+  const int sign = (det > bound) - (det < -bound);  // no branch on which side
+  return sign != 0 ? sign : ExactOrientation(a, b, c);
 }
 
 }  // namespace kx

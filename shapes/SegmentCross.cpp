@@ -41,7 +41,8 @@ void OnOneLine(XY A1, XY A2, XY B1, XY B2, Side sA, Side sB, Side& sideA, Side& 
 // exactly when that end lies on the other line. Four orientations decide it all. (A
 // coordinate that isn't finite gives orientations of 0, so it is looked for only
 // where one is 0.)
-bool SegmentCross(XY A1, XY A2, XY B1, XY B2, Side& sideA, Side& sideB) {
+bool SegmentCross(const XY& A1, const XY& A2, const XY& B1, const XY& B2, Side& sideA,
+                  Side& sideB) {
   if (Same(A1, A2) || Same(B1, B2)) return false;
   const Side sA = sideA, sB = sideB;
   sideA = sideB = 0;

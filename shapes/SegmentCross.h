@@ -18,7 +18,7 @@ using Side = uint8_t;
 // sideA or sideB; when the next segment of the walk leaves on the other side, the touch
 // turns out to have been a crossing. Collinear runs keep a pending side alive. Segments
 // that share an end point, or that lie on one line, never cross by themselves.
-bool SegmentCross(XY A1, XY A2, XY B1, XY B2, Side& sideA, Side& sideB);
+bool SegmentCross(const XY& A1, const XY& A2, const XY& B1, const XY& B2, Side& sideA, Side& sideB);
 
 // Distance from P to the segment A-B: perpendicular where its foot falls on the
 // segment, else to the nearer end.
