@@ -19,7 +19,7 @@ struct PartGeometry {
   bool closed = false;  // first and last node exactly equal
   SegmentTree tree;     // over the insideCount nodes
 
-  XY Node(int32_t k) const { return nodes[k]; }
+  const XY& Node(int32_t k) const { return nodes[k]; }
 };
 
 // The common end of the inside test's rays: one unit below and left of the shape's

@@ -50,7 +50,12 @@ class PairWalk {
   bool Advance() { return NextJ() && NextI(); }
   bool SeenBefore();
   bool MoveOn();
-  int32_t FirstJ() const { return m_same ? s.i + 2 : 1; }
+  // A part against itself skips the neighbours of segment i: the next segment, and the
+  // segments of length 0 after it, so that the first it meets leaves the node where
+  // segment i ends.
+  int32_t FirstJ() const { return m_same ? PastRepeats(s.i + 2) : 1; }
+  // j, or further while segment j starts where segment j - 2 ends.
+  int32_t PastRepeats(int32_t j) const;
 
   const PartGeometry& m_one;
   const PartGeometry& m_two;
@@ -63,6 +68,14 @@ class PairWalk {
   // state it was in before.
   bool m_restored = false;
 };
+
+int32_t PairWalk::PastRepeats(int32_t j) const {
+  if (j >= n2) return j;
+  const XY* nodes = m_two.nodes.data();
+  const XY end = nodes[j - 2];
+  while (j < n2 && nodes[j - 1].x == end.x && nodes[j - 1].y == end.y) ++j;
+  return j;
+}
 
 bool PairWalk::Run() {
   if (n1 < 2 || n2 < 2) return false;

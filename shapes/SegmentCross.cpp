@@ -7,62 +7,18 @@ namespace kx {
 
 namespace {
 
-double Cross(XY S1, XY S2, XY R) {
-  return (S2.x - S1.x) * (R.y - S1.y) - (S2.y - S1.y) * (R.x - S1.x);
-}
-
-Side SideOf(XY S1, XY S2, XY R) { return Cross(S1, S2, R) > 0 ? 1 : 2; }
+Side SideOf(int orientation) { return orientation > 0 ? 1 : 2; }
 
 Side Other(Side side) { return side == 1 ? 2 : 1; }
 
 bool Same(XY a, XY b) { return a.x == b.x && a.y == b.y; }
 
+bool Finite(XY p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
 bool Between(double v, double a, double b) { return std::min(a, b) < v && v < std::max(a, b); }
 
-bool InBox(XY P, XY S1, XY S2) {
-  return P.x >= std::min(S1.x, S2.x) && P.x <= std::max(S1.x, S2.x) &&
-         P.y >= std::min(S1.y, S2.y) && P.y <= std::max(S1.y, S2.y);
-}
-
-// A segment's line: y = m x + c when it runs more across than up (flat), else
-// x = m y + c (steep).
-struct Line {
-  bool flat;
-  double m, c;
-};
-
-Line LineOf(XY S1, XY S2) {
-  const double dx = S2.x - S1.x, dy = S2.y - S1.y;
-  if (std::fabs(dx) > std::fabs(dy)) {
-    const double m = dy / dx;
-    return {true, m, S1.y - m * S1.x};
-  }
-  const double m = dx / dy;
-  return {false, m, S1.x - m * S1.y};
-}
-
-XY Intersection(const Line& A, const Line& B) {
-  if (A.flat && B.flat) {
-    const double Px = (A.c - B.c) / (B.m - A.m);
-    return {Px, A.c + A.m * Px};
-  }
-  if (!A.flat && !B.flat) {
-    const double Py = (A.c - B.c) / (B.m - A.m);
-    return {A.c + A.m * Py, Py};
-  }
-  if (!A.flat) {
-    const double Py = (B.m * A.c + B.c) / (1 - A.m * B.m);
-    return {A.c + A.m * Py, Py};
-  }
-  const double Py = (A.m * B.c + A.c) / (1 - B.m * A.m);
-  return {B.c + B.m * Py, Py};
-}
-
-// Parallel segments never cross; on one line they pass a pending side on.
-void Parallel(const Line& A, const Line& B, XY A1, XY A2, XY B1, XY B2, Side& sideA, Side& sideB) {
-  const Side sA = sideA, sB = sideB;
-  sideA = sideB = 0;
-  if (A.c != B.c) return;
+// Segments on one line never cross; they pass a pending side on.
+void OnOneLine(XY A1, XY A2, XY B1, XY B2, Side sA, Side sB, Side& sideA, Side& sideB) {
   if (Between(A2.x, B1.x, B2.x) || Between(B2.x, A1.x, A2.x)) {
     sideA = sA;
     sideB = sB;
@@ -80,42 +36,49 @@ void Parallel(const Line& A, const Line& B, XY A1, XY A2, XY B1, XY B2, Side& si
 
 }  // namespace
 
-bool SegmentCross(XY A1, XY A2, XY B1, XY B2, Side& sideA, Side& sideB) {
+// The lines of A and B meet in one point P, which lies on both segments, exactly when
+// neither segment lies wholly on one side of the other's line; P is an end point
+// exactly when that end lies on the other line. Four orientations decide it all. (A
+// coordinate that isn't finite gives orientations of 0, so it is looked for only
+// where one is 0.)
+bool SegmentCross(const XY& A1, const XY& A2, const XY& B1, const XY& B2, Side& sideA,
+                  Side& sideB) {
   if (Same(A1, A2) || Same(B1, B2)) return false;
-  const Line A = LineOf(A1, A2), B = LineOf(B1, B2);
-  if (A.flat == B.flat && A.m == B.m) {
-    Parallel(A, B, A1, A2, B1, B2, sideA, sideB);
+  const Side sA = sideA, sB = sideB;
+  sideA = sideB = 0;
+  const int a1 = Orientation(B1, B2, A1), a2 = Orientation(B1, B2, A2);
+  if (a1 * a2 > 0) return false;  // A wholly on one side of B's line
+  const int b1 = Orientation(A1, A2, B1), b2 = Orientation(A1, A2, B2);
+  if (b1 * b2 > 0) return false;
+  if (a1 != 0 && a2 != 0 && b1 != 0 && b2 != 0) return true;  // a proper crossing
+  if (!Finite(A1) || !Finite(A2) || !Finite(B1) || !Finite(B2)) return false;
+  if (a1 == 0 && a2 == 0) {
+    OnOneLine(A1, A2, B1, B2, sA, sB, sideA, sideB);
     return false;
   }
-  const XY P = Intersection(A, B);
-  const bool atA1 = Same(P, A1), atA2 = Same(P, A2), atB1 = Same(P, B1), atB2 = Same(P, B2);
-  const bool onA = InBox(P, A1, A2), onB = InBox(P, B1, B2);
-  const Side sA = sideA, sB = sideB;
+  const bool atA1 = a1 == 0, atA2 = a2 == 0, atB1 = b1 == 0, atB2 = b2 == 0;
 
   // A segment that starts on the other one settles the touch its predecessor left.
   bool crossed = false;
   if (atA1 && atB1) {
-    const Side c = SideOf(A1, A2, B2);
+    const Side c = SideOf(b2);
     crossed = sA != 0 && sB != 0 && sA != Other(c) && sB != c;
-  } else if (atA1 && onB) {
-    crossed = sA != 0 && SideOf(B1, B2, A2) != sA;
-  } else if (atB1 && onA) {
-    crossed = sB != 0 && SideOf(A1, A2, B2) != sB;
+  } else if (atA1) {
+    crossed = sA != 0 && SideOf(a2) != sA;
+  } else if (atB1) {
+    crossed = sB != 0 && SideOf(b2) != sB;
   }
 
   // A segment that ends on the other one notes the side it came from.
-  sideA = sideB = 0;
   if (atA2 && atB2) {
-    const Side c = SideOf(A1, A2, B1);
+    const Side c = SideOf(b1);
     sideB = c;
     sideA = Other(c);
-  } else if (atA2 && onB) {
-    sideA = SideOf(B1, B2, A1);
-  } else if (atB2 && onA) {
-    sideB = SideOf(A1, A2, B1);
+  } else if (atA2) {
+    sideA = SideOf(a1);
+  } else if (atB2) {
+    sideB = SideOf(b1);
   }
-
-  if (onA && onB && !atA1 && !atA2 && !atB1 && !atB2) crossed = true;
   return crossed;
 }
 

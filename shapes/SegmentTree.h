@@ -31,7 +31,7 @@ struct BoxFilter {
 // Segments that the ray from Q to the common origin R may meet. R lies below and left of
 // every node, so a box meets the ray's box exactly when its low corner is below and left
 // of Q; and only a box whose directions from R, widened by a margin that covers the
-// rounding of SegmentCross, take in Q's direction can give a crossing or a touch.
+// rounding of those directions, take in Q's direction can give a crossing or a touch.
 struct RayFilter {
   double x, y, u;
   bool Meets(const SegmentBox& b) const {

@@ -9,11 +9,10 @@ namespace kx {
 
 namespace {
 
-// How far apart, as seen from R, a segment and a ray may lie before the rounding of
-// SegmentCross can no longer make them meet. Its line forms and their intersection
-// err by some tens of units in the last place of the largest coordinate; a segment off
-// the ray's direction by an angle d lies at least d from the ray's line, since every
-// node is a unit or more away from R. Two orders of magnitude to spare.
+// How far apart, as seen from R, a segment and a ray that meet may seem. SegmentCross
+// decides exactly, so only the direction measure itself rounds: by a few units in the
+// last place of a value of at most 1. The margin, which grows with the coordinates, is
+// far wider than that.
 double DirectionMargin(const double* bounds) {
   double largest = 1;
   for (int b = Shape::kMinX; b <= Shape::kMaxY; ++b) largest = std::fmax(largest, std::fabs(bounds[b]));

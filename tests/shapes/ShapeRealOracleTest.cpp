@@ -1,8 +1,10 @@
 // Area, length, point in shape and crossing of neighbouring records on the real polygon
 // and line files of data/shp/good, read by ShapeFile, against GEOS. oracle/
-// make_real_cases.py asked GEOS (through shapely) and wrote oracle/real_cases.txt; where
-// the library's exact rules and GEOS part ways it carries the rule's answer with the
-// reason, and this test holds the library to every line of it.
+// make_real_cases.py asked GEOS (through shapely) and wrote oracle/real_cases.txt. No
+// polygon is refused and no point misjudged through rounding: where the library and
+// GEOS part ways it is by the rule itself (touches judged by the segments at hand, a
+// ring that touches itself, the direction of rings), and the file carries the rule's
+// answer with the reason. This test holds the library to every line of it.
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -171,8 +173,8 @@ TEST(ShapeRealOracle, AreaAgreesWithGeosOrIsRefusedAsTheRuleSays) {
       }
     }
   }
-  EXPECT_GE(areas, 1000);
-  EXPECT_GE(refused, 200);
+  EXPECT_GE(areas, 1350);
+  EXPECT_GE(refused, 15);
 }
 
 // In a grid the length is the plane length in the file's own units, as GEOS measures
@@ -219,7 +221,7 @@ TEST(ShapeRealOracle, PointsInsideAgreeWithGeos) {
 }
 
 // The rule's answer for two records is taken with the first in the outer loop: the
-// roundings of the lines' intersection depend on the order.
+// walk that settles touches along a shared border depends on the order.
 TEST(ShapeRealOracle, NeighbouringRecordsCrossAsGeosOrTheRuleSays) {
   int crossing = 0, apart = 0;
   for (const FileCases& f : Cases()) {

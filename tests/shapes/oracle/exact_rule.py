@@ -2,65 +2,54 @@
 point-in-ring test, written out in Python from their description. make_real_cases.py
 asks GEOS first; it asks these only to say where the rules part ways with GEOS, and why.
 
-All arithmetic is the rules' own, in doubles, with no tolerance: the intersection of two
-segments is the intersection of their lines in the form y = m x + c (or x = m y + c for
-a steep segment), and a touch is a touch only when that point equals an end point
-exactly. Python's floats are IEEE doubles, as the library's are.
+Every decision is the sign of an orientation, the side of a line on which a point
+lies, taken exactly: in doubles where their rounding can't reach the sign, otherwise in
+exact fractions (the library sums the products exactly in doubles instead; both are
+the true sign). Two segments whose lines meet in one point touch when that point is an
+end point, that is when the end lies on the other line; no point of intersection is
+ever computed. Python's floats are IEEE doubles, as the library's are.
 """
 import math
+from fractions import Fraction
 
-# Why a crossing was found: a proper crossing of two segments; one whose point only
-# rounds off an end point the two segments share; or a touch whose pending side was
-# settled as a crossing by the next segment.
-PROPER, ROUNDED, SETTLED = "proper", "rounded", "settled"
+# Why a crossing was found: a proper crossing of two segments, or a touch whose pending
+# side was settled as a crossing by the next segment.
+PROPER, SETTLED = "proper", "settled"
+
+UNIT = 2.0 ** -53
+BOUND = (3.0 + 16.0 * UNIT) * UNIT
 
 
-def side(s1, s2, r):
-    cross = (s2[0] - s1[0]) * (r[1] - s1[1]) - (s2[1] - s1[1]) * (r[0] - s1[0])
-    return 1 if cross > 0 else 2
+def orientation(a, b, c):
+    """The sign of (b - a) x (c - a): 1 when c lies left of the line from a to b."""
+    left = (b[0] - a[0]) * (c[1] - a[1])
+    right = (b[1] - a[1]) * (c[0] - a[0])
+    det = left - right
+    bound = BOUND * (abs(left) + abs(right))
+    if det > bound:
+        return 1
+    if det < -bound:
+        return -1
+    f = Fraction
+    det = ((f(b[0]) - f(a[0])) * (f(c[1]) - f(a[1]))
+           - (f(b[1]) - f(a[1])) * (f(c[0]) - f(a[0])))
+    return (det > 0) - (det < 0)
+
+
+def side_of(o):
+    return 1 if o > 0 else 2
 
 
 def other(s):
     return 2 if s == 1 else 1
 
 
-def line_of(s1, s2):
-    dx, dy = s2[0] - s1[0], s2[1] - s1[1]
-    if abs(dx) > abs(dy):
-        m = dy / dx
-        return True, m, s1[1] - m * s1[0]
-    m = dx / dy
-    return False, m, s1[0] - m * s1[1]
-
-
-def intersection(a, b):
-    (flat_a, ma, ca), (flat_b, mb, cb) = a, b
-    if flat_a and flat_b:
-        px = (ca - cb) / (mb - ma)
-        return px, ca + ma * px
-    if not flat_a and not flat_b:
-        py = (ca - cb) / (mb - ma)
-        return ca + ma * py, py
-    if not flat_a:
-        py = (mb * ca + cb) / (1 - ma * mb)
-        return ca + ma * py, py
-    py = (ma * cb + ca) / (1 - mb * ma)
-    return cb + mb * py, py
-
-
-def in_box(p, s1, s2):
-    return (min(s1[0], s2[0]) <= p[0] <= max(s1[0], s2[0])
-            and min(s1[1], s2[1]) <= p[1] <= max(s1[1], s2[1]))
-
-
 def between(v, a, b):
     return min(a, b) < v < max(a, b)
 
 
-def parallel(a, b, a1, a2, b1, b2, sa, sb):
-    """New sides of two parallel segments."""
-    if a[2] != b[2]:
-        return 0, 0
+def on_one_line(a1, a2, b1, b2, sa, sb):
+    """New sides of two segments on one line."""
     new_a, new_b = 0, 0
     if between(a2[0], b1[0], b2[0]) or between(b2[0], a1[0], a2[0]):
         new_a, new_b = sa, sb
@@ -72,40 +61,53 @@ def parallel(a, b, a1, a2, b1, b2, sa, sb):
     return new_a, new_b
 
 
+def crossing_point(a1, a2, b1, b2):
+    """Where two segments cross properly, to the nearest double: for the reasons only."""
+    f = Fraction
+    ax, ay, bx, by = f(a1[0]), f(a1[1]), f(b1[0]), f(b1[1])
+    ux, uy = f(a2[0]) - ax, f(a2[1]) - ay
+    vx, vy = f(b2[0]) - bx, f(b2[1]) - by
+    t = ((bx - ax) * vy - (by - ay) * vx) / (ux * vy - uy * vx)
+    return float(ax + t * ux), float(ay + t * uy)
+
+
 def segment_cross(a1, a2, b1, b2, sa, sb):
-    """(why or None, the point of the lines' intersection or None, new side A, new side
-    B) for segment A from a1 to a2 and B from b1 to b2 with the sides that came in."""
+    """(why or None, the point where the segments meet or None, new side A, new side B)
+    for segment A from a1 to a2 and B from b1 to b2 with the sides that came in."""
     if a1 == a2 or b1 == b2:
         return None, None, sa, sb
-    a, b = line_of(a1, a2), line_of(b1, b2)
-    if a[0] == b[0] and a[1] == b[1]:
-        return (None, None) + parallel(a, b, a1, a2, b1, b2, sa, sb)
-    p = intersection(a, b)
-    at_a1, at_a2, at_b1, at_b2 = p == a1, p == a2, p == b1, p == b2
-    on_a, on_b = in_box(p, a1, a2), in_box(p, b1, b2)
+    ob1, ob2 = orientation(a1, a2, b1), orientation(a1, a2, b2)
+    if ob1 == 0 and ob2 == 0:
+        return (None, None) + on_one_line(a1, a2, b1, b2, sa, sb)
+    if ob1 * ob2 > 0:
+        return None, None, 0, 0
+    oa1, oa2 = orientation(b1, b2, a1), orientation(b1, b2, a2)
+    if oa1 * oa2 > 0:
+        return None, None, 0, 0
+    at_a1, at_a2, at_b1, at_b2 = oa1 == 0, oa2 == 0, ob1 == 0, ob2 == 0
     why = None
     if at_a1 and at_b1:
-        c = side(a1, a2, b2)
+        c = side_of(ob2)
         if sa and sb and sa != other(c) and sb != c:
             why = SETTLED
-    elif at_a1 and on_b:
-        if sa and side(b1, b2, a2) != sa:
+    elif at_a1:
+        if sa and side_of(oa2) != sa:
             why = SETTLED
-    elif at_b1 and on_a:
-        if sb and side(a1, a2, b2) != sb:
+    elif at_b1:
+        if sb and side_of(ob2) != sb:
             why = SETTLED
     new_a, new_b = 0, 0
     if at_a2 and at_b2:
-        c = side(a1, a2, b1)
+        c = side_of(ob1)
         new_a, new_b = other(c), c
-    elif at_a2 and on_b:
-        new_a = side(b1, b2, a1)
-    elif at_b2 and on_a:
-        new_b = side(a1, a2, b1)
-    if on_a and on_b and not (at_a1 or at_a2 or at_b1 or at_b2):
-        shared = {a1, a2} & {b1, b2}
-        why = ROUNDED if shared else PROPER
-    return why, p, new_a, new_b
+    elif at_a2:
+        new_a = side_of(oa1)
+    elif at_b2:
+        new_b = side_of(ob1)
+    point = a1 if at_a1 else a2 if at_a2 else b1 if at_b1 else b2 if at_b2 else None
+    if point is None:
+        why, point = PROPER, crossing_point(a1, a2, b1, b2)
+    return why, point, new_a, new_b
 
 
 def boxes_meet(a1, a2, b1, b2):
@@ -173,7 +175,14 @@ class PartsWalk:
         return {i: grid.meeting(self.one[i - 1], self.one[i]) for i in range(1, self.n1)}
 
     def first_j(self, i):
-        return i + 2 if self.same else 1
+        """A part against itself skips the neighbours of segment i: the next segment and
+        the segments of length 0 after it."""
+        if not self.same:
+            return 1
+        j = i + 2
+        while j < self.n2 and self.two[j - 1] == self.one[i]:
+            j += 1
+        return j
 
     def run(self):
         """None, or (why, point, i, j) for the pair where the walk found a crossing."""

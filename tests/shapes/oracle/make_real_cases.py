@@ -24,33 +24,32 @@ latitude. On the sphere (a template without a grid) it sums haversine distances,
 GEOS doesn't compute; the plane length is the comparison the two can share.
 
 Points inside: representative points of the parts (inside each ring, so also in holes)
-and a grid over the record's box, kept only at a clear distance from every boundary
-(1e-6 of the record's extent) and where the ray of the library's test, towards one unit
-below and left of the record's box, passes no node within that distance. GEOS's answer
-for each ring, combined even-odd as the library combines parts, is the expectation.
+and a grid over the record's box, except points on a boundary, where GEOS has no answer.
+However close a point lies to a boundary, and wherever the ray of the library's test
+runs through a node, the two must agree. GEOS's answer for each ring, combined even-odd
+as the library combines parts, is the expectation.
 
 Where GEOS and the library's exact rules part ways, the expectation carries the rule's
 answer, worked out by exact_rule.py, with the reason after a "#":
 
-- No tolerance: a touch at a node is a touch only when the intersection of the two
-  segments' lines, computed in doubles from their y = m x + c forms, is that node
-  exactly. Where it rounds off the node into both segments the rule finds a crossing.
-  So the first and last segment of a simple ring, which share its closing node, make
-  many rings that GEOS finds valid "cross themselves", and neighbouring records that
-  share nodes "cross". Where the point rounds off the node and out of a segment, no
-  touch is noted there, and two lines that do cross at a node of both are found apart.
-  The rounding depends on which record is the first: the answer is for that order.
-- Boundaries that run together: the rule notes from which side of the other segment a
-  boundary came onto it, follows the shared run, and compares with the side of the
-  segment at hand where the boundary leaves. Neighbouring records that share a run are
-  found crossing where those sides differ; GEOS finds them touching.
+Rounding plays no part: the rule decides every touch and crossing exactly, as GEOS
+does. The differences left come from the rule itself:
+
+- Touches judged by the segments at hand: where one boundary comes onto the other, the
+  rule notes on which side of the other's segment it came, and where it leaves, compares
+  with the side of the other's segment there. Along a shared run, and at a node where
+  both boundaries turn, those are different segments, and a boundary that only touches
+  can arrive on one side of the one and leave on the other side of the other: the rule
+  finds a crossing. Neighbouring records that share a border are found crossing where
+  that happens, and rings of one record that touch each other at a node make it no
+  clean polygon; GEOS finds them touching.
 - A ring that touches itself at a node is invalid for GEOS (ring self-intersection); the
-  rule sees a touch, no crossing, and gives the area (unless the rounding above finds a
+  rule sees a touch, no crossing, and gives the area (unless the sides above find a
   crossing there).
 - A part that isn't a closed ring of 4 nodes or more makes a record no clean polygon.
 - Holes and shells: the rule asks whether the first node of a ring lies inside each
   other ring, by the ray from that node; a first node on another ring's boundary counts
-  as the ray says (the point just along it, or a crossing that rounds off the node). An
+  as the ray says (as inside as the points just along the ray from it). An
   odd count makes a hole, which must run counter-clockwise; an even one a shell, which
   must run clockwise. GEOS takes the rings as they nest and doesn't mind the direction;
   here a counter-clockwise ring is a hole of the smallest shell around it.
@@ -67,7 +66,7 @@ import struct
 
 import shapely
 import shapely.geos
-from shapely.geometry import (LinearRing, LineString, MultiLineString, MultiPoint, MultiPolygon,
+from shapely.geometry import (LinearRing, LineString, MultiLineString, MultiPolygon,
                               Point, Polygon)
 from shapely.ops import linemerge
 from shapely.validation import explain_validity
@@ -79,7 +78,6 @@ DATA = HERE.parent.parent / "data" / "shp" / "good"
 LINE_TYPES, POLYGON_TYPES = {3, 13, 23}, {5, 15, 25}
 PAIRS_PER_FILE = 60
 GRID = 6  # points a side of the grid of inside candidates
-CLEARANCE = 1e-6  # of the record's extent
 # Points a record at most, by source and answer: in a ring (or a hole), beside it.
 POINTS = {("ring", 1): 1, ("ring", 0): 1, ("grid", 1): 1, ("grid", 0): 2}
 LENGTHS = 8  # parts a record at most
@@ -155,17 +153,24 @@ def rule_crossing(parts_a, parts_b, same_record):
     return None
 
 
-def crossing_reason(found):
+def crossing_reason(found, parts_a, parts_b):
+    """The rule's crossing, and where a touch was settled as one, which kind of touch:
+    a run the two boundaries share, or a node where they meet."""
     p, q, why, point, i, j = found
     seg = f"segment {i} of part {p} and segment {j} of part {q}"
-    if why == exact_rule.ROUNDED:
-        return (f"{seg} share a node; their lines' intersection rounds off it to {at(point)}, "
-                f"inside both")
-    if why == exact_rule.SETTLED:
-        return (f"{seg} settle a touch at {at(point)} as a crossing: by the sides of the "
-                f"segments at hand, one boundary came onto the other on one side and "
-                f"leaves it on the other")
-    return f"{seg} cross at {at(point)}"
+    if why != exact_rule.SETTLED:
+        return f"{seg} cross at {at(point)}"
+    one, two = LineString(parts_a[p]), LineString(parts_b[q])
+    shared = one.intersection(two)
+    runs = [g for g in getattr(shared, "geoms", [shared]) if g.geom_type == "LineString"]
+    if any(r.intersects(Point(point)) for r in runs):
+        touch = "the boundaries share a run through"
+    elif parts_a is parts_b and p == q:
+        touch = "the ring touches itself at"
+    else:
+        touch = "the boundaries touch at"
+    return (f"{seg}: {touch} {at(point)}, and by the sides of the segments at hand one came "
+            f"onto the other on one side and leaves it on the other, a crossing for the rule")
 
 
 def nesting_failure(parts):
@@ -177,12 +182,11 @@ def nesting_failure(parts):
         for j, other in enumerate(parts):
             if j == i:
                 continue
-            inside, whys = exact_rule.inside_ring(other, ring[0], r)
+            inside, _ = exact_rule.inside_ring(other, ring[0], r)
             around += inside
             if inside and Polygon(other).exterior.intersects(Point(ring[0])):
-                how = " by a crossing that rounds off a node" if exact_rule.ROUNDED in whys else ""
                 notes.append(f"part {i}'s first node {at(ring[0])} lies on part {j}'s boundary "
-                             f"and the ray from it counts it inside{how}")
+                             f"and the ray from it counts it inside")
         area = signed_area(ring)
         hole = around % 2 == 1
         if (hole and not area < 0) or (not hole and not area >= 0):
@@ -199,7 +203,7 @@ def area_line(parts):
     geos = "GEOS valid" if validity == "Valid Geometry" else f"GEOS: {validity}"
     found = rule_crossing(parts, parts, True)
     if found:
-        return f"area refused  # {geos}; the rule: {crossing_reason(found)}"
+        return f"area refused  # {geos}; the rule: {crossing_reason(found, parts, parts)}"
     failure = nesting_failure(parts)
     if failure:
         return f"area refused  # {geos}; the rule: {failure}"
@@ -227,18 +231,13 @@ def candidates(parts):
 
 def inside_lines(parts):
     xs, ys = [x for p in parts for x, _ in p], [y for p in parts for _, y in p]
-    clearance = CLEARANCE * max(max(xs) - min(xs), max(ys) - min(ys))
     boundary = MultiLineString([p for p in parts if len(p) >= 2])
-    nodes = MultiPoint([q for p in parts for q in p])
-    r = exact_rule.ray_origin(parts)
     rings = [Polygon(p) for p in parts if len(p) >= 3]
     wanted, lines = dict(POINTS), []
     for source, q in candidates(parts):
         if not (min(xs) < q[0] < max(xs) and min(ys) < q[1] < max(ys)):
             continue
-        if boundary.distance(Point(q)) <= clearance:
-            continue
-        if LineString([q, r]).distance(nodes) <= clearance:
+        if boundary.intersects(Point(q)):
             continue
         answer = sum(ring.contains(Point(q)) for ring in rings) % 2
         if wanted.get((source, answer), 0) == 0:
@@ -278,25 +277,6 @@ def meeting_text(parts_a, parts_b):
     return f"{runs} shared runs, {len(points)} points"
 
 
-def missed_reason(parts_a, parts_b):
-    """Why the rule sees no crossing where GEOS does: at a node where both boundaries
-    meet, the lines' intersection of two segments that end there rounds off the node
-    and out of a segment, so that no touch is noted."""
-    for x in meeting(parts_a, parts_b)[1]:
-        for p, one in enumerate(parts_a):
-            for q, two in enumerate(parts_b):
-                for i in (k for k in range(1, len(one)) if one[k] == x):
-                    for j in (k for k in range(1, len(two)) if two[k] == x):
-                        point = exact_rule.segment_cross(one[i - 1], one[i], two[j - 1], two[j],
-                                                         0, 0)[1]
-                        if point and point != x:
-                            return (f"segment {i} of part {p} and segment {j} of part {q} end at "
-                                    f"{at(x)}, where GEOS finds a crossing; their lines' "
-                                    f"intersection rounds off it to {at(point)}, so no touch "
-                                    f"is noted there")
-    return "the rule finds touches only"
-
-
 def crosses_line(a, b, parts_a, parts_b, polygons):
     geos = geos_crosses(parts_a, parts_b, polygons)
     found = rule_crossing(parts_a, parts_b, False)
@@ -304,8 +284,8 @@ def crosses_line(a, b, parts_a, parts_b, polygons):
         return f"crosses {a} {b} {int(geos)}"
     if found:
         why = f"GEOS 0, the boundaries meet ({meeting_text(parts_a, parts_b)}); the rule: "
-        return f"crosses {a} {b} 1  # {why}{crossing_reason(found)}"
-    return f"crosses {a} {b} 0  # GEOS 1; the rule: {missed_reason(parts_a, parts_b)}"
+        return f"crosses {a} {b} 1  # {why}{crossing_reason(found, parts_a, parts_b)}"
+    return f"crosses {a} {b} 0  # GEOS 1; the rule: the lines only touch"
 
 
 def boxes_meet(a, b):
