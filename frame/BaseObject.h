@@ -37,6 +37,7 @@ class BaseObject {
   const ErrorRecord& Error() const { return m_error; }
 
  protected:
+  friend class Operation;
   // The opening of nearly every operation: the record speaks of the last call only.
   void ClearError() {
     if (m_error.Failed()) m_error.ClearError();
